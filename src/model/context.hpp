@@ -1,0 +1,77 @@
+// The run context and the interaction layer.
+//
+// Every message of the program passes through RunContext::log_error: outside a
+// run it is told to the user at once (the interaction layer), during a run it
+// goes to the run log, which reaches "runlog.txt" only when the buffer holds
+// 30000 characters and at the end of the run. Questions go through ask(); the
+// command line answers them from its flags and tests answer them from a script.
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velm {
+
+class Interaction {
+public:
+    virtual ~Interaction() = default;
+    // A message for the user, with nothing to answer.
+    virtual void tell(const std::string& text) = 0;
+    // A question; returns the index of the chosen entry of choices.
+    virtual int ask(const std::string& question, const std::vector<std::string>& choices) = 0;
+};
+
+// Records every text and answers questions from a fixed list (then with a default).
+class RecordingInteraction : public Interaction {
+public:
+    std::vector<std::string> told;
+    std::vector<std::string> asked;
+    std::vector<int> answers;  // consumed in order
+    int default_answer = 0;
+
+    void tell(const std::string& text) override { told.push_back(text); }
+    int ask(const std::string& question, const std::vector<std::string>&) override {
+        asked.push_back(question);
+        if (next_ < answers.size()) return answers[next_++];
+        return default_answer;
+    }
+
+private:
+    std::size_t next_ = 0;
+};
+
+// The run log buffer reaches the disk once it holds this many characters.
+inline constexpr std::size_t kRunLogFlushChars = 30000;
+
+struct RunContext {
+    explicit RunContext(Interaction& ui_) : ui(ui_) {}
+
+    Interaction& ui;
+    bool run_active = false;   // messages go to the run log, not to the user
+    bool resume_run = false;   // start values are those left in the records
+    bool project_dirty = false;
+    std::string run_log_text;  // run log not yet on disk
+    std::string run_signal;    // final message of a case, read by the report
+    int max_iter = 20;
+    double soserror = 0.001;
+    std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go
+    std::atomic<bool> stop{false};         // set from outside to stop a run
+
+    // The one door for messages: errors, warnings and progress.
+    void log_error(const std::string& text);
+    // Appends the buffer to runlog.txt, clears it, and reads the file back
+    // (up to 30000 characters) as the text that closes the run; the title is
+    // told with it.
+    std::string log_line(const std::string& title);
+    std::filesystem::path run_file(const std::string& name) const { return data_dir / name; }
+};
+
+// Creates the directory if missing, opens the file for appending, writes the
+// text and a line end (CR LF). Returns false when the file cannot be written.
+bool append_line(const std::filesystem::path& file, const std::string& text);
+// Appends the text as it stands, without a line end.
+bool append_text(const std::filesystem::path& file, const std::string& text);
+
+}  // namespace velm

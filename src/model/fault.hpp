@@ -1,0 +1,56 @@
+// Trapped numeric faults.
+//
+// Routines of substance never let a numeric fault escape: the checked helpers
+// below throw a Fault, and the routine catches it at its own boundary, logs its
+// own words with the fault's number and description, and returns the value it
+// is documented to give. The numbers are the classic run-time error codes.
+#pragma once
+
+#include <cmath>
+#include <string>
+
+namespace velm {
+
+struct Fault {
+    int number;
+    std::string description;
+};
+
+inline constexpr int kFaultInvalidCall = 5;    // "Invalid procedure call or argument"
+inline constexpr int kFaultOverflow = 6;       // "Overflow"
+inline constexpr int kFaultDivisionByZero = 11;  // "Division by zero"
+inline constexpr int kFaultTypeMismatch = 13;  // "Type mismatch"
+inline constexpr int kFaultPastEnd = 62;       // "Input past end of file"
+
+[[noreturn]] void raise_fault(int number);
+[[noreturn]] void raise_fault(int number, std::string description);
+
+// The text of a fault as the program logs it: number, " : ", description.
+std::string fault_text(const Fault& f);
+
+// Throws Overflow for an infinite result and Invalid call for NaN.
+inline double checked(double v) {
+    if (std::isfinite(v)) return v;
+    raise_fault(std::isnan(v) ? kFaultInvalidCall : kFaultOverflow);
+}
+
+inline double checked_log(double x) {
+    if (!(x > 0.0)) raise_fault(kFaultInvalidCall);
+    return std::log(x);
+}
+
+inline double checked_sqrt(double x) {
+    if (!(x >= 0.0)) raise_fault(kFaultInvalidCall);
+    return std::sqrt(x);
+}
+
+inline double checked_div(double a, double b) {
+    if (b == 0.0) raise_fault(kFaultDivisionByZero);
+    return checked(a / b);
+}
+
+inline double checked_pow(double x, double y) { return checked(std::pow(x, y)); }
+
+inline double checked_exp(double x) { return checked(std::exp(x)); }
+
+}  // namespace velm
