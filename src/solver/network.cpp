@@ -1,0 +1,373 @@
+#include "solver/network.hpp"
+
+#include <cmath>
+
+#include "correlations/pipe.hpp"
+#include "model/case_data.hpp"
+#include "model/context.hpp"
+#include "model/fault.hpp"
+
+namespace velm {
+
+namespace {
+
+// What a line end sits on.
+enum EndKind { kFeedEnd, kProdEnd, kValveEnd, kCheckEnd, kPumpEnd, kCompEnd, kHXEnd, kFOEnd, kMiscEnd, kExpandEnd,
+               kTeeEnd, kJuncEnd, kVesselEnd };
+
+double sgn(double v) { return v > 0 ? 1.0 : (v < 0 ? -1.0 : 0.0); }
+
+bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
+
+}  // namespace
+
+Columns::Columns(const Project& p) {
+    int base = 0;
+    auto block = [&base](int& b, int n, int width) {
+        b = base;
+        base += n * width;
+    };
+    block(feed, count(p.feeds), 2);
+    block(prod, count(p.prods), 2);
+    block(valve, count(p.valves), 2);
+    block(check, count(p.checks), 2);
+    block(pump, count(p.pumps), 2);
+    block(comp, count(p.comps), 2);
+    block(hx, count(p.hxs), 2);
+    block(fo, count(p.fos), 2);
+    block(misc, count(p.miscs), 2);
+    block(expand, count(p.expands), 2);
+    block(tee, count(p.tees), 3);
+    block(junc, count(p.juncs), 1);
+    block(vessel, count(p.vessels), 1);
+    block(line, count(p.lines), 1);
+    num_vars = base;
+}
+
+int structural_rows(const Project& p) {
+    return count(p.lines) + 3 * count(p.tees) + count(p.vessels) + count(p.juncs) + count(p.valves) +
+           count(p.checks) + count(p.pumps) + count(p.comps) + count(p.hxs) + count(p.fos) + count(p.miscs) +
+           count(p.expands);
+}
+
+namespace {
+
+// The ends of every line, found by scanning the kinds in column order.
+void find_line_ends(const Project& p, Network& net) {
+    const Columns& c = net.cols;
+    const int nl = count(p.lines);
+    std::vector<LineEnd>& ends = net.ends;
+    ends.clear();
+    std::vector<int>& line_of = net.IA;  // scratch: the line of each end, before bucketing
+    line_of.clear();
+    auto add = [&](int line, LineEnd e) {
+        if (!is_line(p, line)) return;
+        ends.push_back(e);
+        line_of.push_back(line);
+    };
+    for (int i = 1; i <= count(p.feeds); ++i) add(p.feeds[i].NOZ.CON, {Columns::second(c.feed, i), +1, kFeedEnd, i, 0});
+    for (int i = 1; i <= count(p.prods); ++i) add(p.prods[i].NOZ.CON, {Columns::first(c.prod, i), -1, kProdEnd, i, 0});
+    auto two_port = [&](const auto& v, int base, int kind) {
+        for (int i = 1; i <= count(v); ++i) {
+            add(v[i].CON[2], {Columns::second(base, i), +1, kind, i, 0});
+            add(v[i].CON[1], {Columns::first(base, i), -1, kind, i, 0});
+        }
+    };
+    auto nozzle_item = [&](const auto& v, int base, int kind) {
+        for (int i = 1; i <= count(v); ++i) {
+            add(v[i].NOZO.CON, {Columns::second(base, i), +1, kind, i, 0});
+            add(v[i].NOZI.CON, {Columns::first(base, i), -1, kind, i, 0});
+        }
+    };
+    two_port(p.valves, c.valve, kValveEnd);
+    two_port(p.checks, c.check, kCheckEnd);
+    two_port(p.pumps, c.pump, kPumpEnd);
+    two_port(p.comps, c.comp, kCompEnd);
+    nozzle_item(p.hxs, c.hx, kHXEnd);
+    two_port(p.fos, c.fo, kFOEnd);
+    nozzle_item(p.miscs, c.misc, kMiscEnd);
+    two_port(p.expands, c.expand, kExpandEnd);
+    for (int i = 1; i <= count(p.tees); ++i)
+        for (int side = 1; side <= 3; ++side) {
+            const int col = c.tee + 3 * (i - 1) + side;
+            add(p.tees[i].CON[static_cast<std::size_t>(side + 3)], {col, +1, kTeeEnd, i, side});
+            add(p.tees[i].CON[static_cast<std::size_t>(side)], {col, -1, kTeeEnd, i, side});
+        }
+    for (int i = 1; i <= count(p.juncs); ++i)
+        for (int n = 1; n <= kNozzles; ++n) {
+            add(p.juncs[i].NOZO[n].CON, {c.junc + i, +1, kJuncEnd, i, n});
+            add(p.juncs[i].NOZI[n].CON, {c.junc + i, -1, kJuncEnd, i, n});
+        }
+    for (int i = 1; i <= count(p.vessels); ++i)
+        for (int n = 1; n <= kNozzles; ++n) {
+            add(p.vessels[i].NOZO[n].CON, {c.vessel + i, +1, kVesselEnd, i, n});
+            add(p.vessels[i].NOZI[n].CON, {c.vessel + i, -1, kVesselEnd, i, n});
+        }
+    // Bucket by line, keeping the scan order within each line.
+    net.end_start.assign(static_cast<std::size_t>(nl) + 2, 0);
+    for (int l : line_of) ++net.end_start[static_cast<std::size_t>(l) + 1];
+    for (int l = 1; l <= nl + 1; ++l) net.end_start[static_cast<std::size_t>(l)] += net.end_start[static_cast<std::size_t>(l) - 1];
+    std::vector<LineEnd> sorted(ends.size());
+    std::vector<int> fill(net.end_start.begin(), net.end_start.end());
+    for (std::size_t k = 0; k < ends.size(); ++k) sorted[static_cast<std::size_t>(fill[static_cast<std::size_t>(line_of[k])]++)] = ends[k];
+    ends.swap(sorted);
+    net.topology_ready = true;
+}
+
+// Elevation that a line end takes from the equipment it sits on.
+double end_elevation(const Project& p, const LineEnd& e) {
+    const auto i = static_cast<std::size_t>(e.record);
+    const bool leaves = e.coef > 0;
+    switch (e.kind) {
+        case kFeedEnd: return p.feeds[i].ELEV + p.feeds[i].NOZ.NozHeight;
+        case kProdEnd: return p.prods[i].ELEV + p.prods[i].NOZ.NozHeight;
+        case kValveEnd: return p.valves[i].ELEV;
+        case kCheckEnd: return p.checks[i].ELEV;
+        case kPumpEnd: return p.pumps[i].ELEV;
+        case kCompEnd: return p.comps[i].ELEV;
+        case kHXEnd: return (leaves ? p.hxs[i].NOZO : p.hxs[i].NOZI).NozHeight;
+        case kFOEnd: return p.fos[i].ELEV;
+        case kMiscEnd: return (leaves ? p.miscs[i].NOZO : p.miscs[i].NOZI).NozHeight;
+        case kExpandEnd: return p.expands[i].ELEV;
+        case kTeeEnd: return p.tees[i].ELEV;
+        case kJuncEnd: return (leaves ? p.juncs[i].NOZO : p.juncs[i].NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
+        default: {
+            const Vessel& v = p.vessels[i];
+            return v.ELEV + (leaves ? v.NOZO : v.NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
+        }
+    }
+}
+
+// Writes rows into the compressed storage, or only counts them.
+struct Rows {
+    Network& net;
+    bool build;
+    int row = 0;
+
+    int begin() {
+        ++row;
+        if (build) {
+            if (static_cast<std::size_t>(row) + 1 >= net.IA.size()) net.IA.resize(static_cast<std::size_t>(row) + 2, 0);
+            if (static_cast<std::size_t>(row) >= net.B.size()) net.B.resize(static_cast<std::size_t>(row) + 1, 0.0);
+            net.IA[static_cast<std::size_t>(row)] = 0;
+            net.B[static_cast<std::size_t>(row)] = 0.0;
+        }
+        return row;
+    }
+    void add(double value, int col) {
+        if (!build) return;
+        ++net.entries;
+        const auto k = static_cast<std::size_t>(net.entries);
+        if (k >= net.A.size()) {
+            net.A.resize(k + 1);
+            net.JA.resize(k + 1);
+        }
+        net.A[k] = value;
+        net.JA[k] = col;
+        if (net.IA[static_cast<std::size_t>(row)] == 0) net.IA[static_cast<std::size_t>(row)] = net.entries;
+    }
+    void rhs(double v) {
+        if (build) net.B[static_cast<std::size_t>(row)] = v;
+    }
+};
+
+// Line rows: P_up - P_down - (K + Knoz)*X = dP_elevation + level terms.
+void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
+    const Columns& c = net.cols;
+    for (int i = 1; i <= count(p.lines); ++i) {
+        rows.begin();
+        if (!rows.build) continue;
+        Line& line = p.lines[i];
+        const double W = line.TFLOW.value;
+        double rhs_vess = 0.0, rhs_level = 0.0, knoz = 0.0;
+        for (int k = net.end_start[static_cast<std::size_t>(i)]; k < net.end_start[static_cast<std::size_t>(i) + 1]; ++k) {
+            const LineEnd& e = net.ends[static_cast<std::size_t>(k)];
+            rows.add(e.coef, e.col);
+            line.ELEV[e.coef > 0 ? 1 : 2] = end_elevation(p, e);
+            if (e.kind != kVesselEnd) continue;
+            // A vessel nozzle adds its fixed loss, its static head and, when
+            // the flow leaves the vessel through it, its entry loss.
+            const Vessel& v = p.vessels[static_cast<std::size_t>(e.record)];
+            const Port& noz = (e.coef > 0 ? v.NOZO : v.NOZI)[static_cast<std::size_t>(e.port)];
+            rhs_vess += e.coef > 0 ? -noz.dPNoz : noz.dPNoz;
+            rhs_level += noz.dPLevel;
+            if ((e.coef > 0) == (W >= 0)) knoz = noz.KFlow;
+        }
+        rows.add(-(PipeDP(ctx, p.gen, line, line.ID.value, line.IDH.value, "W2") + knoz), c.line + i);
+        line.DPELEV = (line.ELEV[2] - line.ELEV[1]) * line.TPROP[4] * 9.81 / 1000.0;
+        if (line.LF[3] > 0.0 && line.LF[3] < 1.0) {
+            // A two-phase line gets no static credit against its flow; the
+            // rises summed in SELEV always count.
+            if (sgn(W) * sgn(line.DPELEV) < 0) line.DPELEV = 0.0;
+            line.DPELEV += sgn(W) * line.SELEV * line.TPROP[4] * 9.81 / 1000.0;
+        }
+        rows.rhs(rhs_vess + line.DPELEV + rhs_level);
+    }
+}
+
+// Coefficient of a line's X in a node balance: W = X / |W|, or +-1 at zero flow.
+double node_coef(const Line& line) {
+    const double w = std::fabs(line.TFLOW.value);
+    return w == 0.0 ? 1.0 : 1.0 / w;
+}
+
+template <class Node>
+void node_balance(const Project& p, Rows& rows, const Node& node, int line_base) {
+    for (int n = 1; n <= kNozzles; ++n) {
+        if (is_line(p, node.NOZI[n].CON)) rows.add(node_coef(p.lines[node.NOZI[n].CON]), line_base + node.NOZI[n].CON);
+        if (is_line(p, node.NOZO[n].CON)) rows.add(-node_coef(p.lines[node.NOZO[n].CON]), line_base + node.NOZO[n].CON);
+    }
+}
+
+// Continuity rows: what enters a piece of equipment leaves it.
+void continuity_rows(const Project& p, Network& net, Rows& rows) {
+    const int lb = net.cols.line;
+    auto through = [&](int in, int out) {
+        rows.begin();
+        if (is_line(p, in)) rows.add(1.0, lb + in);
+        if (is_line(p, out)) rows.add(-1.0, lb + out);
+    };
+    for (int i = 1; i <= count(p.valves); ++i) through(p.valves[i].CON[1], p.valves[i].CON[2]);
+    for (int i = 1; i <= count(p.checks); ++i) through(p.checks[i].CON[1], p.checks[i].CON[2]);
+    for (int i = 1; i <= count(p.pumps); ++i) through(p.pumps[i].CON[1], p.pumps[i].CON[2]);
+    for (int i = 1; i <= count(p.comps); ++i) through(p.comps[i].CON[1], p.comps[i].CON[2]);
+    for (int i = 1; i <= count(p.hxs); ++i) through(p.hxs[i].NOZI.CON, p.hxs[i].NOZO.CON);
+    for (int i = 1; i <= count(p.fos); ++i) through(p.fos[i].CON[1], p.fos[i].CON[2]);
+    for (int i = 1; i <= count(p.miscs); ++i) {
+        const Misc& m = p.miscs[i];
+        const int in = m.NOZI.CON, out = m.NOZO.CON;
+        if (!m.VOLBAL || !is_line(p, in) || !is_line(p, out) || p.lines[in].TPROP[2] == 0.0 ||
+            p.lines[out].TPROP[1] == 0.0) {
+            through(in, out);
+            continue;
+        }
+        // Volume balance: W_in / rho_in = W_out / rho_out, in the X of each line.
+        rows.begin();
+        rows.add(std::pow(1000.0 / p.lines[in].TPROP[2], 2), lb + in);
+        rows.add(-std::pow(1000.0 / p.lines[out].TPROP[1], 2), lb + out);
+    }
+    for (int i = 1; i <= count(p.tees); ++i) {
+        rows.begin();
+        for (int side = 1; side <= 3; ++side) {
+            const int in = p.tees[i].CON[static_cast<std::size_t>(side)];
+            const int out = p.tees[i].CON[static_cast<std::size_t>(side + 3)];
+            if (is_line(p, in)) rows.add(node_coef(p.lines[in]), lb + in);
+            if (is_line(p, out)) rows.add(-node_coef(p.lines[out]), lb + out);
+        }
+    }
+    for (int i = 1; i <= count(p.juncs); ++i) {
+        rows.begin();
+        node_balance(p, rows, p.juncs[i], lb);
+    }
+    for (int i = 1; i <= count(p.expands); ++i) through(p.expands[i].CON[1], p.expands[i].CON[2]);
+    for (int i = 1; i <= count(p.vessels); ++i) {
+        rows.begin();
+        node_balance(p, rows, p.vessels[i], lb);
+    }
+}
+
+// The line of a vessel's first outlet nozzle that has one, 0 for none.
+int first_outlet_line(const Project& p, const Vessel& v) {
+    for (int n = 1; n <= kNozzles; ++n)
+        if (is_line(p, v.NOZO[n].CON)) return v.NOZO[n].CON;
+    return 0;
+}
+
+// Specification rows of the boundaries, nodes and lines.
+void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_no) {
+    const Columns& c = net.cols;
+    const int lb = c.line;
+    auto fixed = [&](int col, double value) {
+        rows.begin();
+        rows.add(1.0, col);
+        rows.rhs(value);
+    };
+    for (int i = 1; i <= count(p.feeds); ++i) {
+        Feed& f = p.feeds[i];
+        const int line = f.NOZ.CON;
+        if (is_specified(f.PRES.spec, case_no)) fixed(Columns::first(c.feed, i), spec_value(f.PRES.spec, case_no));
+        if (!is_specified(f.DP.spec, case_no)) continue;
+        if (f.CHOKE && is_line(p, line)) {
+            fixed(Columns::second(c.feed, i), pipe_choke_pressure(ctx, p.gen, p.lines[line]));
+            continue;
+        }
+        rows.begin();
+        rows.add(1.0, Columns::first(c.feed, i));
+        rows.add(-1.0, Columns::second(c.feed, i));
+        if (is_line(p, line)) rows.add(-f.NOZ.KFlow, lb + line);
+        rows.rhs(spec_value(f.DP.spec, case_no) + f.NOZ.dPLevel);
+    }
+    for (int i = 1; i <= count(p.prods); ++i) {
+        Prod& d = p.prods[i];
+        const int line = d.NOZ.CON;
+        if (is_specified(d.PRES.spec, case_no)) fixed(Columns::second(c.prod, i), spec_value(d.PRES.spec, case_no));
+        if (is_specified(d.PIN.spec, case_no)) fixed(Columns::first(c.prod, i), spec_value(d.PIN.spec, case_no));
+        if (!is_specified(d.DP.spec, case_no)) continue;
+        if (d.CHOKE && is_line(p, line)) {
+            fixed(Columns::first(c.prod, i), pipe_choke_pressure(ctx, p.gen, p.lines[line]));
+            continue;
+        }
+        rows.begin();
+        rows.add(1.0, Columns::first(c.prod, i));
+        rows.add(-1.0, Columns::second(c.prod, i));
+        if (is_line(p, line)) rows.add(-d.NOZ.KFlow, lb + line);
+        rows.rhs(spec_value(d.DP.spec, case_no) + d.NOZ.dPLevel);
+    }
+    for (int i = 1; i <= count(p.juncs); ++i)
+        if (is_specified(p.juncs[i].PRES.spec, case_no))
+            fixed(c.junc + i, spec_value(p.juncs[i].PRES.spec, case_no));
+    for (int i = 1; i <= count(p.vessels); ++i) {
+        const Vessel& v = p.vessels[i];
+        if (is_specified(v.PRES.spec, case_no)) fixed(c.vessel + i, spec_value(v.PRES.spec, case_no));
+        const int out = first_outlet_line(p, v);
+        if (out == 0 || !spec_is(p.lines[out].TFLOW.spec, case_no, 'V')) continue;
+        // Vapour split: the outlet carries (1 - LF) of all that enters.
+        rows.begin();
+        for (int n = 1; n <= kNozzles; ++n)
+            if (is_line(p, v.NOZI[n].CON))
+                rows.add((1.0 - v.LF.value) * node_coef(p.lines[v.NOZI[n].CON]), lb + v.NOZI[n].CON);
+        rows.add(-node_coef(p.lines[out]), lb + out);
+    }
+    for (int i = 1; i <= count(p.lines); ++i) {
+        const std::string& spec = p.lines[i].TFLOW.spec;
+        if (!is_specified(spec, case_no) || spec_is(spec, case_no, 'V')) continue;
+        const double v = spec_value(spec, case_no);
+        fixed(lb + i, v * std::fabs(v));
+    }
+}
+
+}  // namespace
+
+void Matrix_Setup(RunContext& ctx, Project& p, Network& net, int mode, int case_no) {
+    try {
+        net.cols = Columns(p);
+        net.NumVars = net.cols.num_vars;
+        const bool build = mode == 1;
+        if (build) {
+            if (!net.topology_ready) find_line_ends(p, net);
+            net.IA.assign(static_cast<std::size_t>(net.NumVars) + 2, 0);
+            net.B.assign(static_cast<std::size_t>(net.NumVars) + 1, 0.0);
+            net.entries = 0;
+        }
+        Rows rows{net, build};
+        line_rows(ctx, p, net, rows);
+        continuity_rows(p, net, rows);
+        spec_rows(ctx, p, net, rows, case_no);
+        net.NumSpecs = rows.row;
+        if (build) {
+            net.IA.resize(static_cast<std::size_t>(net.NumSpecs) + 2);
+            net.IA[static_cast<std::size_t>(net.NumSpecs) + 1] = net.entries + 1;
+            // A row that received no entry is given an empty range, which the
+            // solver reports as a row without entries.
+            for (int k = net.NumSpecs; k >= 1; --k)
+                if (net.IA[static_cast<std::size_t>(k)] == 0) net.IA[static_cast<std::size_t>(k)] = net.IA[static_cast<std::size_t>(k) + 1];
+            net.last_rhs.assign(net.B.begin(), net.B.begin() + net.NumSpecs + 1);
+        }
+    } catch (const Fault& f) {
+        ctx.log_error("Error in Matrix_Setup = " + fault_text(f));
+    }
+}
+
+void Count_Specs(RunContext& ctx, Project& p, Network& net, int case_no) { Matrix_Setup(ctx, p, net, 0, case_no); }
+
+}  // namespace velm

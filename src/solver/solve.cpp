@@ -1,0 +1,251 @@
+// One step of the network solution: build the rows, solve, write back the
+// flows and pressures with damping, and push pressures into the lines.
+#include <cmath>
+#include <string>
+
+#include "model/context.hpp"
+#include "model/fault.hpp"
+#include "solver/network.hpp"
+
+namespace velm {
+
+namespace {
+
+double sgn(double v) { return v > 0 ? 1.0 : (v < 0 ? -1.0 : 0.0); }
+
+bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
+
+// Takes a new pressure from the solution, counting the change in err.
+void take(double& P, double Pnew, double& err, double damping = 1.0) {
+    err += std::fabs(P - Pnew);
+    P += (Pnew - P) * damping;
+}
+
+struct Writeback {
+    RunContext& ctx;
+    Project& p;
+    const std::vector<double>& x;
+    double& err;
+    double reset;  // one standard atmosphere, expressed in gauge
+
+    double at(int col) const { return x[static_cast<std::size_t>(col)]; }
+
+    // A pressure below absolute zero comes back as one atmosphere and is flagged.
+    template <class R>
+    void floor(double& P, R& rec, const std::string& words, int number) {
+        if (P >= -p.gen.PATM) return;
+        P = reset;
+        rec.COLOR = p.color_error;
+        ctx.log_error(words + std::to_string(number) + " below zero abs. Reset.");
+    }
+
+    template <class R>
+    void two_pressures(std::vector<R>& v, int base, const char* word, double damping) {
+        for (int i = 1; i <= count(v); ++i) {
+            take(v[i].PIN.value, at(Columns::first(base, i)), err, damping);
+            take(v[i].POUT.value, at(Columns::second(base, i)), err, damping);
+        }
+        (void)word;
+    }
+
+    template <class R>
+    void floor_two(std::vector<R>& v, const char* word) {
+        for (int i = 1; i <= count(v); ++i) {
+            if (v[i].COLOR == p.color_error) v[i].COLOR = p.color_normal;
+            floor(v[i].PIN.value, v[i], std::string("Error! Inlet pressure for ") + word, i);
+            floor(v[i].POUT.value, v[i], std::string("Error! Outlet pressure for ") + word, i);
+        }
+    }
+};
+
+void take_flows(Project& p, const Network& net, const std::vector<double>& x, double& err) {
+    const double damping = p.gen.MHDAMP;
+    for (int i = 1; i <= count(p.lines); ++i) {
+        Line& line = p.lines[i];
+        const double xi = x[static_cast<std::size_t>(net.cols.line + i)];
+        const double wc = sgn(xi) * std::sqrt(std::fabs(xi));
+        double& W = line.TFLOW.value;
+        // A flow error weighs ten times a pressure error; the sum takes the undamped step.
+        err += 10.0 * std::fabs(W - wc);
+        W += (wc - W) * damping;
+        line.LVFLOW[1] = line.LF[3] * W;
+        line.LVFLOW[2] = (1.0 - line.LF[3]) * W;
+    }
+}
+
+void take_pressures(Writeback& wb, const Columns& c) {
+    Project& p = wb.p;
+    for (int i = 1; i <= count(p.feeds); ++i) {
+        take(p.feeds[i].PRES.value, wb.at(Columns::first(c.feed, i)), wb.err);
+        take(p.feeds[i].POUT.value, wb.at(Columns::second(c.feed, i)), wb.err);
+    }
+    for (int i = 1; i <= count(p.prods); ++i) {
+        take(p.prods[i].PIN.value, wb.at(Columns::first(c.prod, i)), wb.err);
+        take(p.prods[i].PRES.value, wb.at(Columns::second(c.prod, i)), wb.err);
+    }
+    // Pump and compressor pressures are the only damped ones.
+    wb.two_pressures(p.valves, c.valve, "Valve ", 1.0);
+    wb.two_pressures(p.checks, c.check, "Check ", 1.0);
+    wb.two_pressures(p.pumps, c.pump, "Pump ", p.gen.MHDAMP);
+    wb.two_pressures(p.comps, c.comp, "Compressor ", p.gen.MHDAMP);
+    wb.two_pressures(p.hxs, c.hx, "Exchanger ", 1.0);
+    wb.two_pressures(p.fos, c.fo, "Orifice ", 1.0);
+    wb.two_pressures(p.miscs, c.misc, "Misc ", 1.0);
+    wb.two_pressures(p.expands, c.expand, "Expander ", 1.0);
+    for (int i = 1; i <= count(p.tees); ++i)
+        for (int j = 1; j <= 3; ++j) take(p.tees[i].PRES[static_cast<std::size_t>(j)], wb.at(c.tee + 3 * (i - 1) + j), wb.err);
+    for (int i = 1; i <= count(p.juncs); ++i) take(p.juncs[i].PRES.value, wb.at(c.junc + i), wb.err);
+    for (int i = 1; i <= count(p.vessels); ++i) take(p.vessels[i].PRES.value, wb.at(c.vessel + i), wb.err);
+}
+
+void floor_pressures(Writeback& wb) {
+    Project& p = wb.p;
+    for (int i = 1; i <= count(p.feeds); ++i) {
+        Feed& f = p.feeds[i];
+        if (f.COLOR == p.color_error) f.COLOR = p.color_normal;
+        wb.floor(f.PRES.value, f, "Error! Pressure for Feed ", i);
+        wb.floor(f.POUT.value, f, "Error! Outlet pressure for Feed ", i);
+    }
+    for (int i = 1; i <= count(p.prods); ++i) {
+        Prod& d = p.prods[i];
+        if (d.COLOR == p.color_error) d.COLOR = p.color_normal;
+        wb.floor(d.PRES.value, d, "Error! Pressure for Product ", i);
+        wb.floor(d.PIN.value, d, "Error! Inlet pressure for Product ", i);
+    }
+    wb.floor_two(p.valves, "Valve ");
+    wb.floor_two(p.checks, "Check ");
+    wb.floor_two(p.pumps, "Pump ");
+    wb.floor_two(p.comps, "Compressor ");
+    wb.floor_two(p.hxs, "Exchanger ");
+    wb.floor_two(p.fos, "Orifice ");
+    wb.floor_two(p.miscs, "Misc ");
+    wb.floor_two(p.expands, "Expander ");
+    for (int i = 1; i <= count(p.tees); ++i) {
+        Tee& t = p.tees[i];
+        if (t.COLOR == p.color_error) t.COLOR = p.color_normal;
+        for (int j = 1; j <= 3; ++j)
+            if (t.PRES[static_cast<std::size_t>(j)] < -p.gen.PATM) {
+                t.PRES[static_cast<std::size_t>(j)] = wb.reset;
+                t.COLOR = p.color_error;
+                wb.ctx.log_error("Error! Pressure for T " + std::to_string(i) + " nozzle " + std::to_string(j) +
+                                 " below zero abs. Reset.");
+            }
+    }
+    for (int i = 1; i <= count(p.juncs); ++i) {
+        Junc& j = p.juncs[i];
+        if (j.COLOR == p.color_error) j.COLOR = p.color_normal;
+        wb.floor(j.PRES.value, j, "Error! Pressure for Junction ", i);
+    }
+    for (int i = 1; i <= count(p.vessels); ++i) {
+        Vessel& v = p.vessels[i];
+        if (v.COLOR == p.color_error) v.COLOR = p.color_normal;
+        wb.floor(v.PRES.value, v, "Error! Pressure for Vessel ", i);
+    }
+}
+
+// Pressures of the equipment into the ends of their lines.
+template <class R>
+void push_two_port(Project& p, std::vector<R>& v, bool rise, int R::*in_unused = nullptr) {
+    (void)in_unused;
+    for (int i = 1; i <= count(v); ++i) {
+        R& e = v[i];
+        e.DP.value = rise ? e.POUT.value - e.PIN.value : e.PIN.value - e.POUT.value;
+        if (is_line(p, e.CON[1])) p.lines[e.CON[1]].PRES[2] = e.PIN.value;
+        if (is_line(p, e.CON[2])) p.lines[e.CON[2]].PRES[1] = e.POUT.value;
+    }
+}
+
+template <class R>
+void push_nozzle_item(Project& p, std::vector<R>& v) {
+    for (int i = 1; i <= count(v); ++i) {
+        R& e = v[i];
+        e.DP.value = e.PIN.value - e.POUT.value - e.DPELEV;
+        if (is_line(p, e.NOZI.CON)) p.lines[e.NOZI.CON].PRES[2] = e.PIN.value;
+        if (is_line(p, e.NOZO.CON)) p.lines[e.NOZO.CON].PRES[1] = e.POUT.value;
+    }
+}
+
+void push_vessel(Writeback& wb, int i) {
+    Project& p = wb.p;
+    Vessel& v = p.vessels[i];
+    auto nozzle = [&](Port& noz, bool outlet) {
+        if (!is_line(p, noz.CON)) return;
+        Line& line = p.lines[noz.CON];
+        const double W = line.TFLOW.value;
+        const double D = noz.KFlow * W * std::fabs(W);
+        wb.err += std::fabs(noz.dPFlow - D);
+        noz.dPFlow = D;
+        double& P = outlet ? line.PRES[1] : line.PRES[2];
+        P = outlet ? v.PRES.value - noz.dPLevel + noz.dPNoz - D : v.PRES.value + noz.dPLevel + noz.dPNoz + D;
+        if (P < -p.gen.PATM) {
+            P = wb.reset;
+            wb.ctx.log_error("Error! Vessel " + std::to_string(i) + " outlet pressure below zero abs. Reset.");
+        }
+    };
+    for (int n = 1; n <= kNozzles; ++n) nozzle(v.NOZO[static_cast<std::size_t>(n)], true);
+    for (int n = 1; n <= kNozzles; ++n) nozzle(v.NOZI[static_cast<std::size_t>(n)], false);
+}
+
+void push_pressures(Writeback& wb) {
+    Project& p = wb.p;
+    for (int i = 1; i <= count(p.feeds); ++i) {
+        Feed& f = p.feeds[i];
+        if (!is_line(p, f.NOZ.CON)) continue;
+        const double W = p.lines[f.NOZ.CON].TFLOW.value;
+        f.NOZ.dPFlow = f.NOZ.KFlow * W * std::fabs(W);
+        f.DP.value = f.PRES.value - f.POUT.value - f.NOZ.dPLevel - f.NOZ.dPFlow;
+        p.lines[f.NOZ.CON].PRES[1] = f.POUT.value;
+    }
+    for (int i = 1; i <= count(p.prods); ++i) {
+        Prod& d = p.prods[i];
+        if (!is_line(p, d.NOZ.CON)) continue;
+        const double W = p.lines[d.NOZ.CON].TFLOW.value;
+        d.NOZ.dPFlow = d.NOZ.KFlow * W * std::fabs(W);
+        d.DP.value = d.PIN.value - d.PRES.value - d.NOZ.dPLevel - d.NOZ.dPFlow;
+        p.lines[d.NOZ.CON].PRES[2] = d.PIN.value;
+    }
+    push_two_port(p, p.valves, false);
+    push_two_port(p, p.checks, false);
+    push_two_port(p, p.fos, false);
+    push_two_port(p, p.expands, false);
+    push_two_port(p, p.pumps, true);
+    push_two_port(p, p.comps, true);
+    push_nozzle_item(p, p.hxs);
+    push_nozzle_item(p, p.miscs);
+    for (int i = 1; i <= count(p.tees); ++i)
+        for (int side = 1; side <= 3; ++side) {
+            const Tee& t = p.tees[i];
+            const double P = t.PRES[static_cast<std::size_t>(side)];
+            if (is_line(p, t.CON[static_cast<std::size_t>(side)])) p.lines[t.CON[static_cast<std::size_t>(side)]].PRES[2] = P;
+            if (is_line(p, t.CON[static_cast<std::size_t>(side + 3)])) p.lines[t.CON[static_cast<std::size_t>(side + 3)]].PRES[1] = P;
+        }
+    for (int i = 1; i <= count(p.juncs); ++i) {
+        const Junc& j = p.juncs[i];
+        for (int n = 1; n <= kNozzles; ++n) {
+            if (is_line(p, j.NOZI[n].CON)) p.lines[j.NOZI[n].CON].PRES[2] = j.PRES.value;
+            if (is_line(p, j.NOZO[n].CON)) p.lines[j.NOZO[n].CON].PRES[1] = j.PRES.value;
+        }
+    }
+    for (int i = 1; i <= count(p.vessels); ++i) push_vessel(wb, i);
+}
+
+}  // namespace
+
+int Hydr_Solve(RunContext& ctx, Project& p, Network& net, double& err, int case_no, int) {
+    try {
+        Matrix_Setup(ctx, p, net, 1, case_no);
+        const int status = SolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.work);
+        if (status != 0) return status;
+        Writeback wb{ctx, p, net.B, err, 101.325 - p.gen.PATM};
+        take_flows(p, net, net.B, err);
+        take_pressures(wb, net.cols);
+        floor_pressures(wb);
+        push_pressures(wb);
+    } catch (const Fault& f) {
+        // The step goes on from what it had written; the run continues.
+        ctx.log_error("Error! In Hydr Solve = " + fault_text(f));
+    }
+    return 0;
+}
+
+}  // namespace velm
