@@ -73,6 +73,7 @@ def isothermal_rows():
         (20.0, ID_6IN, EPS_STEEL, 1000.0, 16.04, 1.0, 20.0, 5000.0, 0.0111),
         (30.0, ID_6IN, EPS_STEEL, 1000.0, 16.04, 1.0, 20.0, 5000.0, 0.0111),
         (8.0, ID_3IN, EPS_STEEL, 1000.0, 16.04, 1.0, 20.0, 5000.0, 0.0111),
+        (30.0, ID_3IN, EPS_STEEL, 100.0, 16.04, 1.0, 20.0, 5000.0, 0.0111),  # expansion 2.5 % of the drop
     )
     for W, D, eps, L, MW, Z, T, P1, mu in lines:
         m = W / 3.6
