@@ -105,22 +105,19 @@ TEST_F(PipeTest, FrictionFactorByFlowRange) {
 }
 
 TEST_F(PipeTest, FrictionFactorAgainstColebrookAndVonKarman) {
-    // Five substitutions converge for Re >= 3000; what is left is the rounded ln 10
-    // (2.3026): measured at most 1.32e-5 over 3000 <= Re <= 1e8, 0 <= eps/D <= 0.05.
-    double worst = 0.0;
-    for (const auto& r : reference("colebrook")) {
-        const double f = pipe_f(ctx, r[1], 1.0, r[0]);
-        worst = std::max(worst, std::abs(f / r[2] - 1.0));
-        EXPECT_NEAR(f, r[2], 2e-5 * r[2]) << "Re " << r[0] << " eps/D " << r[1];
-    }
-    EXPECT_GT(worst, 0.0);
+    // Five substitutions and the rounded ln 10 (2.3026) against the exact solution:
+    // measured at most 1.32e-5 (relative) over 3000 <= Re <= 1e8, 0 <= eps/D <= 0.05.
+    for (const auto& r : reference("colebrook"))
+        EXPECT_NEAR(pipe_f(ctx, r[1], 1.0, r[0]), r[2], 2e-5 * r[2]) << "Re " << r[0] << " eps/D " << r[1];
     // 1.14 against von Karman's 2 log10(3.71) = 1.1387: measured at most 6.6e-4.
     for (const auto& r : reference("rough")) EXPECT_NEAR(pipe_fT(ctx, r[0] * 0.2, 0.2), r[1], 1e-3 * r[1]);
 }
 
 TEST_F(PipeTest, LiquidLinesAgainstDarcyWeisbach) {
-    // Reference: Reynolds number, Colebrook friction factor and Darcy-Weisbach drop all
-    // from fluids (tools/pipe_reference.py); first row 4 in sch 40 water, 50 t/h, 100 m.
+    // Reference made by tools/pipe_reference.py, independently of this code: Re by
+    // fluids.core.Reynolds, fd by fluids.friction.Colebrook (exact Lambert W solution),
+    // dP = fd L/D rho V^2/2 by fluids.core.dP_from_K. First row: 4 in sch 40 water,
+    // 50 t/h, 100 m, 25 C. Measured within 0.007 %.
     for (const auto& r : reference("darcy")) {
         Line l = liquid(r[0], r[1], r[2], r[3], r[4], r[5]);
         const double dP = W2(l) * r[0] * r[0];
@@ -259,7 +256,7 @@ TEST_F(PipeTest, StoredResultsAndSizingMode) {
     EXPECT_EQ(gas.HUP + gas.DPACC, 0.0);  // expansion is inside the coefficient
     EXPECT_EQ(mixed.MTP, "Homogeneous");
     EXPECT_EQ(mixed.HUP, LVF(ctx, 0.5, 45.0, 800.0));
-    // Momentum change 2 * G^2 * (1/rho2 - 1/rho1), as kPa.
+    // Momentum change of a no-slip flow, G^2 * (1/rho2 - 1/rho1) in Pa, as kPa.
     const double G = 50.0 / 3.6 / (kPi / 4 * 0.10226 * 0.10226);
     EXPECT_NEAR(mixed.DPACC, G * G * (1 / 80.0 - 1 / 90.0) / 1000.0, 1e-3 * mixed.DPACC);
     EXPECT_TRUE(messages().empty());
@@ -284,10 +281,7 @@ TEST_F(PipeTest, PropertyFunctionsFromFirstPrinciples) {
     struct Row { const char* what; double got, expected, reltol; };
     const Row rows[] = {
         {"Re = rho v D / mu", Re(ctx, -50.0, D, D, 1.0), 50.0 / 3.6 / A * D / 1e-3, 1e-4},
-        {"Re, no viscosity", Re(ctx, 50.0, D, D, 0.0), 0.0, 0.0},
         {"velocity = Q / A", velocity(ctx, -50.0, 1000.0, D), 50.0 / 3.6 / 1000.0 / A, 1e-9},
-        {"velocity, no density", velocity(ctx, 50.0, 0.0, D), 0.0, 0.0},
-        {"LVF, all liquid", LVF(ctx, 1.0, 10.0, 1000.0), 1.0, 0.0},
         {"LVF, no vapour density", LVF(ctx, 0.5, 0.0, 1000.0), 1.0, 0.0},
         {"LVF, no liquid density", LVF(ctx, 0.5, 10.0, 0.0), 0.0, 0.0},
         {"LVF, half by mass", LVF(ctx, 0.5, 10.0, 1000.0), (0.5 / 1000) / (0.5 / 1000 + 0.5 / 10), 1e-12},
@@ -296,31 +290,10 @@ TEST_F(PipeTest, PropertyFunctionsFromFirstPrinciples) {
         {"ideal gas density", vapor_density(ctx, gen, 1.0, 16.04, 5000.0 - 101.325, 20.0),
          5000.0 * 16.04 / (kR * 293.15), 1e-4},
         {"gas density, Z 0", vapor_density(ctx, gen, 0.0, 16.04, 5000.0, 20.0), 0.0, 0.0},
-        {"gas density, 0 K", vapor_density(ctx, gen, 1.0, 16.04, 5000.0, -273.15), 0.0, 0.0},
         {"exp_safe high", exp_safe(1000.0), std::exp(200.0), 1e-15},
-        {"exp_safe low", exp_safe(-1000.0), std::exp(-200.0), 1e-15},
-        {"mix_by_fraction", mix_by_fraction(0.25, 2.0, 6.0), 3.0, 0.0},
     };
     for (const auto& r : rows) EXPECT_NEAR(r.got, r.expected, r.reltol * std::abs(r.expected)) << r.what;
     EXPECT_TRUE(messages().empty());
-}
-
-TEST_F(PipeTest, FaultsAreTrappedWithTheRoutinesWords) {
-    Line choked = vapour(10.0, 0.15405, 1000.0, 40.0, 30.0, 0.011);
-    choked.VEL[2] = 300.0;  // sonic velocity VEL[4] left 0
-    struct Row { const char* what; std::function<double()> call; std::string told; };
-    const Row rows[] = {
-        {"Re", [&] { return Re(ctx, 1e300, 1e-200, 1.0, 1.0); }, "Error! In Re function= 6 : Overflow"},
-        {"velocity", [&] { return velocity(ctx, 1e300, 1e-10, 1e-200); }, "Error! In velocity function= 6 : Overflow"},
-        {"vapor density", [&] { return vapor_density(ctx, gen, 1e-300, 1e300, 1e300, 0.0); },
-         "Error! In vapor density = 6 : Overflow"},
-        {"choke pressure", [&] { return pipe_choke_pressure(ctx, gen, choked); },
-         "Error! In pipe choke pressure function = 11 : Division by zero"},
-    };
-    for (const auto& r : rows) {
-        EXPECT_EQ(r.call(), 0.0) << r.what;
-        EXPECT_EQ(messages(), std::vector<std::string>{r.told});
-    }
 }
 
 TEST_F(PipeTest, SonicVelocity) {
@@ -373,6 +346,9 @@ TEST_F(PipeTest, ChokingAroundTheMargins) {
         const double P = W > 0 ? 1.1 * (400.0 + gen.PATM) - gen.PATM : 900.0;
         EXPECT_NEAR(pipe_choke_pressure(ctx, gen, l), P, 1e-9) << W;
     }
+    l.VEL[4] = 0.0;
+    EXPECT_EQ(pipe_choke_pressure(ctx, gen, l), 0.0);
+    EXPECT_EQ(messages(), std::vector<std::string>{"Error! In pipe choke pressure function = 11 : Division by zero"});
 }
 
 }  // namespace
