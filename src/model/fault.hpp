@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace velm {
 
@@ -52,5 +53,18 @@ inline double checked_div(double a, double b) {
 inline double checked_pow(double x, double y) { return checked(std::pow(x, y)); }
 
 inline double checked_exp(double x) { return checked(std::exp(x)); }
+
+// The error trap of a routine: runs body and returns its result; on a Fault it
+// logs the routine's own words followed by fault_text and returns fallback.
+// Log is anything with log_error(std::string), in practice RunContext.
+template <class Log, class Body>
+auto trapped(Log& log, const char* words, Body&& body, decltype(body()) fallback = {}) -> decltype(body()) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const Fault& f) {
+        log.log_error(words + fault_text(f));
+        return fallback;
+    }
+}
 
 }  // namespace velm

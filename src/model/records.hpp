@@ -19,6 +19,8 @@ namespace velm {
 struct Pair {
     std::string spec;   // position 1: the user's case string
     double value = 0.0; // position 2: the number in force
+
+    bool operator==(const Pair&) const = default;
 };
 
 // Limits of the data model.
@@ -51,6 +53,8 @@ struct Drawn {
     int ROT = 0;                      // icon rotation, degrees
     std::array<int, 3> FLIP{0, 1, 1}; // [1] horizontal, [2] vertical mirror: 1 normal, -1 mirrored
     std::string NOTES;
+
+    bool operator==(const Drawn&) const = default;
 };
 
 // User equation fields of Line, Feed and Prod.
@@ -61,6 +65,8 @@ struct Equation {
     std::string EQN4;      // equipment whose pressure is referred to
     int EQN5 = 0;          // its pressure index
     double EQN6 = 0.0, EQN7 = 0.0, EQN8 = 0.0;  // coefficients a, c, n
+
+    bool operator==(const Equation&) const = default;
 };
 
 // One row of a line's fittings table.
@@ -70,6 +76,8 @@ struct Fitting {
     double LD = 0.0;   // L/D
     double K = 0.0;    // fixed K
     double K1 = 0.0, Kinf = 0.0, K3 = 0.0;  // 2K method coefficients
+
+    bool operator==(const Fitting&) const = default;
 };
 
 using Comps = std::array<double, kMaxComps + 1>;  // mole fractions, 1..30
@@ -136,6 +144,9 @@ struct Line : Drawn {
     int ConIn = 0, ConOut = 0;
     int Imported = 0, Selected = 0, Moving = 0;
     int pipe_index = 0;  // entry of the pipe table in force, set at initialisation
+
+    // Field by field; a record compares equal to its unchanged copy.
+    bool operator==(const Line&) const = default;
 };
 
 // Feed and Prod: boundaries. Feed uses POUT, Prod uses PIN.
