@@ -20,7 +20,7 @@ void RunContext::log_error(const std::string& text) {
     run_log_text.clear();
 }
 
-std::string RunContext::log_line(const std::string& title) {
+std::string RunContext::log_line() {
     const auto path = run_file("runlog.txt");
     append_text(path, run_log_text);
     run_log_text.clear();
@@ -32,7 +32,6 @@ std::string RunContext::log_line(const std::string& title) {
         shown += line;
         shown += "\r\n";
     }
-    ui.tell(title + "\r\n" + shown);
     return shown;
 }
 

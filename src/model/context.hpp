@@ -21,6 +21,8 @@ public:
     virtual void tell(const std::string& text) = 0;
     // A question; returns the index of the chosen entry of choices.
     virtual int ask(const std::string& question, const std::vector<std::string>& choices) = 0;
+    // Progress of a run (the status line); nothing by default.
+    virtual void status(const std::string&) {}
 };
 
 // Records every text and answers questions from a fixed list (then with a default).
@@ -62,9 +64,8 @@ struct RunContext {
     // The one door for messages: errors, warnings and progress.
     void log_error(const std::string& text);
     // Appends the buffer to runlog.txt, clears it, and reads the file back
-    // (up to 30000 characters) as the text that closes the run; the title is
-    // told with it.
-    std::string log_line(const std::string& title);
+    // (up to 30000 characters): the text that closes the run.
+    std::string log_line();
     std::filesystem::path run_file(const std::string& name) const { return data_dir / name; }
 };
 

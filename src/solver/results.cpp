@@ -1,0 +1,25 @@
+#include "solver/results.hpp"
+
+#include "correlations/pipe.hpp"
+#include "model/context.hpp"
+#include "model/fault.hpp"
+
+namespace velm {
+
+void HydrResulFinalSub(RunContext& ctx, Project& p, int) {
+    try {
+        for (std::size_t i = 1; i < p.lines.size(); ++i) {
+            Line& l = p.lines[i];
+            l.DPL = PipeDP(ctx, p.gen, l, l.ID.value, l.IDH.value, "dP100");
+            l.VEL[3] = velocity(ctx, l.TFLOW.value, l.TPROP[3], l.ID.value);
+            if (l.COLOR == p.color_error) l.COLOR = p.color_normal;
+            // Equivalent length of the fittings at the flowing friction factor.
+            const double k_fittings = pipe_K(ctx, l.IDH.value, 0.0, l.FITLD, l.FITK, l.F[1], l.F[2]);
+            l.EQLEN = l.F[1] > 0.0 ? k_fittings * l.IDH.value / l.F[1] : 0.0;
+        }
+    } catch (const Fault& f) {
+        ctx.log_error("Error! In HydrResulFinalSub = " + fault_text(f));
+    }
+}
+
+}  // namespace velm
