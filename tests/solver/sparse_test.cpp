@@ -1,0 +1,328 @@
+#include "solver/sparse.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velm {
+namespace {
+
+// One row as (column, value) pairs in storage order; explicit zeros are kept.
+using Row = std::vector<std::pair<int, double>>;
+
+// 1-based compressed rows, built the way the network assembly fills them: a
+// row without entries keeps a start of 0, and IA[n + 1] = IA[1] + entries.
+struct Csr {
+    int n = 0;
+    std::vector<double> A{0.0};
+    std::vector<int> JA{0};
+    std::vector<int> IA{0};
+};
+
+Csr build(const std::vector<Row>& rows) {
+    Csr m;
+    m.n = static_cast<int>(rows.size());
+    m.IA.assign(rows.size() + 2, 0);
+    int count = 0;
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+        for (const auto& [col, value] : rows[k]) {
+            ++count;
+            m.A.push_back(value);
+            m.JA.push_back(col);
+            if (m.IA[k + 1] == 0) m.IA[k + 1] = count;
+        }
+    }
+    m.IA[rows.size() + 1] = m.IA[1] + count;
+    return m;
+}
+
+std::vector<double> one_based(std::vector<double> v) {
+    v.insert(v.begin(), 0.0);
+    return v;
+}
+
+std::vector<double> multiply(const Csr& m, const std::vector<double>& x) {
+    std::vector<double> y(m.n + 1, 0.0);
+    for (int k = 1; k <= m.n; ++k)
+        for (int j = m.IA[k]; j < m.IA[k + 1]; ++j) y[k] += m.A[j] * x[m.JA[j]];
+    return y;
+}
+
+double max_abs(const std::vector<double>& v) {
+    double r = 0.0;
+    for (std::size_t k = 1; k < v.size(); ++k) r = std::max(r, std::fabs(v[k]));
+    return r;
+}
+
+// Infinity-norm residual of A*x = b relative to |A|*|x| + |b|: a backward
+// error, near machine precision for a stable elimination.
+double relative_residual(const Csr& m, const std::vector<double>& x, const std::vector<double>& b) {
+    const auto ax = multiply(m, x);
+    double worst = 0.0;
+    for (int k = 1; k <= m.n; ++k) {
+        double scale = std::fabs(b[k]);
+        for (int j = m.IA[k]; j < m.IA[k + 1]; ++j) scale += std::fabs(m.A[j] * x[m.JA[j]]);
+        worst = std::max(worst, std::fabs(ax[k] - b[k]) / scale);
+    }
+    return worst;
+}
+
+// Dense Gaussian elimination with partial (row) pivoting, the reference.
+std::vector<double> dense_solve(const Csr& m, std::vector<double> b) {
+    const int n = m.n;
+    std::vector<std::vector<double>> a(n + 1, std::vector<double>(n + 1, 0.0));
+    for (int k = 1; k <= n; ++k)
+        for (int j = m.IA[k]; j < m.IA[k + 1]; ++j) a[k][m.JA[j]] += m.A[j];
+    for (int k = 1; k <= n; ++k) {
+        int p = k;
+        for (int r = k + 1; r <= n; ++r)
+            if (std::fabs(a[r][k]) > std::fabs(a[p][k])) p = r;
+        std::swap(a[k], a[p]);
+        std::swap(b[k], b[p]);
+        for (int r = k + 1; r <= n; ++r) {
+            const double f = a[r][k] / a[k][k];
+            if (f == 0.0) continue;
+            for (int c = k; c <= n; ++c) a[r][c] -= f * a[k][c];
+            b[r] -= f * b[k];
+        }
+    }
+    for (int k = n; k >= 1; --k) {
+        double s = b[k];
+        for (int c = k + 1; c <= n; ++c) s -= a[k][c] * b[c];
+        b[k] = s / a[k][k];
+    }
+    return b;
+}
+
+struct Fixture {
+    RecordingInteraction ui;
+    RunContext ctx{ui};
+};
+
+TEST(SparseSolver, SmallSystemsSolveToKnownAnswers) {
+    struct Case {
+        const char* name;
+        std::vector<Row> rows;
+        std::vector<double> x;  // the exact solution; b is made from it
+        double tol;             // relative; 0 where the answer must come back bit for bit
+    };
+    const Case cases[] = {
+        {"identity", {{{1, 1.0}}, {{2, 1.0}}, {{3, 1.0}}}, {0.1, -7.25, 1e-30}, 0.0},
+        {"permutation, every pivot off the diagonal", {{{3, 1.0}}, {{1, 1.0}}, {{2, 1.0}}}, {4.0, 5.0, 6.0}, 0.0},
+        {"pivot beyond the first entry of the row", {{{1, 1.0}, {2, 2.0}}, {{1, 3.0}, {2, 4.0}}}, {1.0, 2.0}, 1e-15},
+        {"columns stored out of order", {{{2, 1.0}, {1, 4.0}}, {{2, 3.0}, {1, -1.0}}}, {0.5, -2.0}, 1e-15},
+        {"stored zero receiving fill", {{{1, 2.0}, {3, 1.0}}, {{1, 1.0}, {3, 0.0}, {2, 3.0}}, {{2, 1.0}, {3, 4.0}}},
+         {1.0, 2.0, 3.0}, 1e-15},
+        {"tiny pivot accepted", {{{1, 1e-300}}, {{1, 1e-300}, {2, 1e-300}}}, {2.0, 3.0}, 1e-15},
+    };
+    for (const auto& c : cases) {
+        Fixture f;
+        const Csr m = build(c.rows);
+        const auto x = one_based(c.x);
+        auto b = multiply(m, x);
+        const auto rhs = b;
+        ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, m.n), kSolveOk) << c.name;
+        for (int k = 1; k <= m.n; ++k) EXPECT_NEAR(b[k], x[k], c.tol * std::fabs(x[k])) << c.name << " x" << k;
+        EXPECT_LT(relative_residual(m, b, rhs), 1e-14) << c.name;
+        EXPECT_TRUE(f.ui.told.empty()) << c.name;
+    }
+}
+
+// Equal candidates do not change the solution in exact arithmetic, but they do
+// decide the column order, which the work arrays show after the solve.
+TEST(SparseSolver, EqualPivotCandidatesKeepTheSmallerPosition) {
+    struct Case {
+        const char* name;
+        std::vector<Row> rows;
+        std::vector<int> order;  // expected C[1..n]
+    };
+    const Case cases[] = {
+        {"tie on the diagonal", {{{1, 2.0}, {2, 2.0}}, {{1, 1.0}, {2, 3.0}}}, {1, 2}},
+        {"tie of opposite signs", {{{1, -2.0}, {2, 2.0}}, {{1, 1.0}, {2, 3.0}}}, {1, 2}},
+        // Row 1: positions 2 and 3 tie after a smaller first entry; row 2 has
+        // its only entry at position 3; row 3 fills in from U.
+        {"tie beyond the first entry", {{{1, 1.0}, {2, 3.0}, {3, -3.0}}, {{3, 1.0}}, {{2, 1.0}}}, {2, 3, 1}},
+        // Row 1 picks column 2 past a stored zero; row 2 reduces to 3 and 3
+        // at positions 2 and 3 and keeps column 1 at position 2.
+        {"tie created by elimination", {{{1, 0.0}, {2, 5.0}, {3, -5.0}}, {{1, 3.0}, {2, 1.0}, {3, 2.0}}, {{1, 1.0}}},
+         {2, 1, 3}},
+    };
+    for (const auto& c : cases) {
+        Fixture f;
+        SparseWork work;
+        const Csr m = build(c.rows);
+        std::vector<double> x(m.n + 1);
+        for (int k = 1; k <= m.n; ++k) x[k] = k;
+        auto b = multiply(m, x);
+        ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, m.n, work), kSolveOk) << c.name;
+        EXPECT_EQ(std::vector<int>(work.C.begin() + 1, work.C.begin() + m.n + 1), c.order) << c.name;
+        for (int k = 1; k <= m.n; ++k) EXPECT_NEAR(b[k], x[k], 1e-14 * k) << c.name;
+    }
+}
+
+TEST(SparseSolver, FailuresReturnTheirStatusAndChangeNothing) {
+    using Mutate = std::function<void(Csr&, std::vector<double>&)>;
+    const Mutate none = [](Csr&, std::vector<double>&) {};
+    struct Case {
+        const char* name;
+        std::vector<Row> rows;
+        Mutate mutate;
+        int status;
+    };
+    const std::vector<Row> good3 = {{{1, 2.0}, {2, 1.0}}, {{2, 3.0}, {3, 1.0}}, {{1, 1.0}, {3, 4.0}}};
+    const Case cases[] = {
+        {"order 0", {}, none, kSolveOk},
+        {"row of stored zeros", {{{1, 1.0}}, {{1, 0.0}, {2, 0.0}}}, none, kSolveNoPivot},
+        {"first row without entries", {{}, {{1, 1.0}, {2, 1.0}}}, none, kSolveBadRow},
+        {"first row without entries, slot 0 holding a column", {{}, {{1, 1.0}, {2, 1.0}}},
+         [](Csr& m, auto&) { m.JA[0] = 1; }, kSolveBadRow},
+        {"middle row without entries", {{{1, 1.0}}, {}, {{3, 1.0}}}, none, kSolveBadRow},
+        {"last row without entries", {{{1, 1.0}}, {{2, 1.0}}, {}}, none, kSolveBadRow},
+        {"duplicate column", {{{1, 1.0}}, {{3, 1.0}, {1, 1.0}, {3, 2.0}}, {{2, 1.0}}}, none, kSolveDuplicateColumn},
+        {"two equal rows", {{{1, 1.0}, {2, 2.0}}, {{1, 1.0}, {2, 2.0}}}, none, kSolveNoPivot},
+        {"row reduced to nothing", {{{1, 1.0}, {2, 1.0}}, {{1, 1.0}, {2, -1.0}}, {{1, 2.0}}}, none, kSolveNoPivot},
+        {"column 0", good3, [](Csr& m, auto&) { m.JA[3] = 0; }, kSolveBadRow},
+        {"column beyond n", good3, [](Csr& m, auto&) { m.JA[4] = 4; }, kSolveBadRow},
+        {"negative column", good3, [](Csr& m, auto&) { m.JA[6] = -70000; }, kSolveBadRow},
+        {"row end beyond the arrays", good3, [](Csr& m, auto&) { m.IA[4] = 99; }, kSolveBadRow},
+        {"row starts out of order", good3, [](Csr& m, auto&) { m.IA[3] = 2; }, kSolveBadRow},
+        {"row starts array too short", good3, [](Csr& m, auto&) { m.IA.pop_back(); }, kSolveBadRow},
+        {"right-hand side too short", good3, [](Csr&, auto& b) { b.pop_back(); }, kSolveBadRow},
+        {"values shorter than columns", good3, [](Csr& m, auto&) { m.A.pop_back(); }, kSolveBadRow},
+    };
+    for (const auto& c : cases) {
+        Fixture f;
+        Csr m = build(c.rows);
+        std::vector<double> b(m.n + 1, 1.0);
+        c.mutate(m, b);
+        const auto before = b;
+        EXPECT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, m.n), c.status) << c.name;
+        EXPECT_EQ(b, before) << c.name;
+        EXPECT_TRUE(f.ui.told.empty()) << c.name;
+    }
+}
+
+TEST(SparseSolver, NumericFaultsAreLoggedAndReported) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    struct Case {
+        const char* name;
+        double a, b;
+        const char* log;
+    };
+    const Case cases[] = {
+        {"solution overflows", 1e-200, 1e200, "\r\nError! In solving matrix = 6 : Overflow"},
+        {"pivot too small to invert", 4e-320, 1.0, "\r\nError! In solving matrix = 6 : Overflow"},
+        {"coefficient not a number", nan, 1.0,
+         "\r\nError! In solving matrix = 5 : Invalid procedure call or argument"},
+        {"infinite right-hand side", 1.0, inf, "\r\nError! In solving matrix = 6 : Overflow"},
+    };
+    for (const auto& c : cases) {
+        Fixture f;
+        f.ctx.run_active = true;
+        const Csr m = build({{{1, c.a}}});
+        std::vector<double> b{0.0, c.b};
+        EXPECT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, 1), kSolveNoPivot) << c.name;
+        EXPECT_EQ(f.ctx.run_log_text, c.log) << c.name;
+        EXPECT_EQ(b[1], c.b) << c.name;
+    }
+}
+
+// An arrow matrix (dense first row and column, dominant diagonal) fills the
+// whole upper triangle: n(n-1)/2 entries, far beyond the 4*n first provided.
+TEST(SparseSolver, FillBeyondTheFirstAllocationSolvesWithoutMessage) {
+    const int n = 40;
+    std::vector<Row> rows(n);
+    for (int c = 1; c <= n; ++c) rows[0].push_back({c, c == 1 ? 100.0 : 1.0});
+    for (int k = 2; k <= n; ++k) rows[k - 1] = {{1, 1.0}, {k, 100.0 + k}};
+    const Csr m = build(rows);
+    Fixture f;
+    SparseWork work;
+    for (double scale : {1.0, -3.0}) {  // the second solve reuses the grown U
+        std::vector<double> x(n + 1);
+        for (int k = 1; k <= n; ++k) x[k] = scale * std::sin(k);
+        auto b = multiply(m, x);
+        const auto rhs = b;
+        ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, n, work), kSolveOk);
+        EXPECT_EQ(upper_fill(work, n), n * (n - 1) / 2);
+        EXPECT_LT(relative_residual(m, b, rhs), 1e-14);
+        for (int k = 1; k <= n; ++k) EXPECT_NEAR(b[k], x[k], 1e-14) << k;
+    }
+    EXPECT_TRUE(f.ui.told.empty());
+}
+
+enum class Kind { DiagonallyDominant, General };
+
+// Random sparse system: `extra` off-diagonal entries per row at distinct random
+// columns. DiagonallyDominant puts a dominant entry on the diagonal; General
+// puts one entry of each row on a random permutation (so the structure is
+// non-singular) and none is favoured, which forces column exchanges.
+Csr random_system(Kind kind, int n, int extra, unsigned seed) {
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> value(-1.0, 1.0);
+    std::uniform_int_distribution<int> column(1, n);
+    std::vector<int> perm(n);
+    for (int k = 0; k < n; ++k) perm[k] = k + 1;
+    std::shuffle(perm.begin(), perm.end(), gen);
+    std::vector<Row> rows(n);
+    for (int k = 1; k <= n; ++k) {
+        const int own = kind == Kind::DiagonallyDominant ? k : perm[k - 1];
+        std::set<int> used{own};
+        Row row;
+        double sum = 0.0;
+        while (static_cast<int>(used.size()) <= extra) {
+            const int c = column(gen);
+            if (!used.insert(c).second) continue;
+            row.push_back({c, value(gen)});
+            sum += std::fabs(row.back().second);
+        }
+        const double v = value(gen);
+        const double own_value = kind == Kind::DiagonallyDominant ? std::copysign(sum + 0.5 + std::fabs(v), v) : v;
+        row.insert(row.begin() + static_cast<std::ptrdiff_t>(gen() % (row.size() + 1)), {own, own_value});
+        rows[k - 1] = row;
+    }
+    return build(rows);
+}
+
+TEST(SparseSolver, RandomSystemsAgreeWithDenseElimination) {
+    struct Case {
+        const char* name;
+        Kind kind;
+        int n, extra;
+        unsigned seed;
+    };
+    const Case cases[] = {
+        {"dominant, 300 unknowns", Kind::DiagonallyDominant, 300, 3, 11u},
+        {"general, 400 unknowns", Kind::General, 400, 2, 12u},
+        {"general, 250 unknowns, denser", Kind::General, 250, 5, 13u},
+        {"dominant, 120 unknowns after larger ones", Kind::DiagonallyDominant, 120, 4, 14u},
+    };
+    Fixture f;
+    SparseWork work;  // shared, as the network iteration shares it
+    for (const auto& c : cases) {
+        const Csr m = random_system(c.kind, c.n, c.extra, c.seed);
+        std::vector<double> b(c.n + 1);
+        std::mt19937 gen(c.seed + 100);
+        std::uniform_real_distribution<double> value(-10.0, 10.0);
+        for (int k = 1; k <= c.n; ++k) b[k] = value(gen);
+        const auto rhs = b;
+        ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, b, c.n, work), kSolveOk) << c.name;
+        EXPECT_LT(relative_residual(m, b, rhs), 1e-12) << c.name;
+        const auto reference = dense_solve(m, rhs);
+        double diff = 0.0;
+        for (int k = 1; k <= c.n; ++k) diff = std::max(diff, std::fabs(b[k] - reference[k]));
+        EXPECT_LT(diff, 1e-8 * max_abs(reference)) << c.name;
+    }
+    EXPECT_TRUE(f.ui.told.empty());
+}
+
+}  // namespace
+}  // namespace velm
