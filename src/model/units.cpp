@@ -93,7 +93,21 @@ std::string convert_entry(const std::string& entry, double ff, double ft, int di
     return format_number(converted, decimals_pattern(digits));
 }
 
-bool is_case_letter(const std::string& cap) { return cap == "C" || cap == "E" || cap == "V"; }
+// Rebuilds a case string entry by entry: letters C, E, V in capitals, empty
+// entries empty, each other entry through `number`.
+template <class F>
+std::string map_case_entries(std::string_view text, F number) {
+    std::string out;
+    const int n = case_count(text);
+    for (int i = 1; i <= n; ++i) {
+        const std::string entry = getting_case_data(text, i);
+        const std::string cap = upper(entry);
+        if (cap == "C" || cap == "E" || cap == "V") out += cap;
+        else if (!cap.empty()) out += number(entry);
+        if (i < n) out += ';';
+    }
+    return out;
+}
 
 }  // namespace
 
@@ -197,16 +211,7 @@ std::string converting_units(RunContext& ctx, std::string_view text, std::string
             ff = get_units(ctx, from);
             ft = get_units(ctx, to);
         }
-        std::string out;
-        const int n = case_count(text);
-        for (int i = 1; i <= n; ++i) {
-            const std::string entry = getting_case_data(text, i);
-            const std::string cap = upper(entry);
-            if (is_case_letter(cap)) out += cap;
-            else if (!cap.empty()) out += convert_entry(entry, ff, ft, digits);
-            if (i < n) out += ';';
-        }
-        return out;
+        return map_case_entries(text, [&](const std::string& entry) { return convert_entry(entry, ff, ft, digits); });
     } catch (const Fault& f) {
         ctx.log_error("Error! In converting units = " + fault_text(f));
         return "";
@@ -249,16 +254,9 @@ std::string convert_fmt_case(RunContext& ctx, std::string_view text, std::string
     try {
         const double ff = get_units(ctx, from);
         const double ft = get_units(ctx, to);
-        std::string out;
-        const int n = case_count(text);
-        for (int i = 1; i <= n; ++i) {
-            const std::string entry = getting_case_data(text, i);
-            const std::string cap = upper(entry);
-            if (is_case_letter(cap)) out += cap;
-            else if (!cap.empty()) out += FormatNum(checked_div(checked(read_display_number(entry) * ft), ff), digits, 9);
-            if (i < n) out += ';';
-        }
-        return out;
+        return map_case_entries(text, [&](const std::string& entry) {
+            return FormatNum(checked_div(checked(read_display_number(entry) * ft), ff), digits, 9);
+        });
     } catch (const Fault& f) {
         ctx.log_error("Error! In getting units = " + fault_text(f));
         return "";

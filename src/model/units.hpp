@@ -57,7 +57,8 @@ double get_units(RunContext& ctx, std::string_view name);
 double get_units(RunContext& ctx, std::string_view name, double D);
 
 // Temperature between "C", "K", "F" and "R"; any other pair, or the same
-// scale twice, returns the value as it stands.
+// scale twice, returns the value as it stands. A fault (overflow) is logged
+// and gives 0.
 double UnitsTFunc(RunContext& ctx, double value, std::string_view from, std::string_view to);
 
 // Number modes of converting_units below zero.

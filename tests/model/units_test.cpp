@@ -27,49 +27,23 @@ TEST(Units, FactorsAgreeWithTheDefinitions) {
     constexpr double lb = 0.45359237, ft = 0.3048, btu = 1.05505585;
     struct Row { const char* unit; double D; double expected; };
     const Row rows[] = {
-        {"ft", nan, 1.0 / ft},
-        {"in", nan, 1.0 / 0.0254},
-        {"mm", nan, 1000.0},
-        {"  m  ", nan, 1.0},
-        {"", nan, 1.0},
-        {"lb/ft3", nan, ft * ft * ft / lb},
-        {"psi/100ft", nan, (1.0 / 6.894757) * (100.0 * ft) / 100.0},
-        {"ft/s", nan, 1.0 / ft},
-        {"ft/min", nan, 60.0 / ft},
-        {"fpm", nan, 60.0 / ft},
-        {"miles/h", nan, 3600.0 / 1609.344},
-        {"psig", nan, 1.0 / 6.894757},
-        {"psi", nan, 1.0 / 6.894757},
-        {"kPa", nan, 1.0},
-        {"barg", nan, 0.01},
-        {"kg/cm2g", nan, 1.0 / 98.0665},
-        {"atm", nan, 1.0 / 101.325},
-        {"mmHg", nan, 760.0 / 101.325},
-        {"inH2O", nan, 1.0 / 0.249082},
-        {"mmH2O", nan, 1.0 / 0.00980638},
-        {"Pag", nan, 1000.0},
-        {"lbmol/h", nan, 1.0 / lb},
-        {"Hp", nan, 1.0 / 0.7456999},
-        {"Btu/lb", nan, lb / btu},
-        {"Btu/lb/F", nan, lb / btu / 1.8},
-        {"GJ/h", nan, 1e-6},
-        {"Btu/h", nan, 1.0 / btu},
-        {"MMBtu/h", nan, 1e-6 / btu},
-        {"Btu/h/F", nan, 1.0 / btu / 1.8},
-        {"Btu/h/ft2/F", nan, 1.0 / 5.678263},
+        {"ft", nan, 1.0 / ft}, {"in", nan, 1.0 / 0.0254}, {"mm", nan, 1000.0}, {"  m  ", nan, 1.0}, {"", nan, 1.0},
+        {"lb/ft3", nan, ft * ft * ft / lb}, {"psi/100ft", nan, (1.0 / 6.894757) * (100.0 * ft) / 100.0},
+        {"ft/s", nan, 1.0 / ft}, {"ft/min", nan, 60.0 / ft}, {"fpm", nan, 60.0 / ft},
+        {"miles/h", nan, 3600.0 / 1609.344}, {"psig", nan, 1.0 / 6.894757}, {"psi", nan, 1.0 / 6.894757},
+        {"kPa", nan, 1.0}, {"barg", nan, 0.01}, {"kg/cm2g", nan, 1.0 / 98.0665}, {"atm", nan, 1.0 / 101.325},
+        {"mmHg", nan, 760.0 / 101.325}, {"inH2O", nan, 1.0 / 0.249082}, {"mmH2O", nan, 1.0 / 0.00980638},
+        {"Pag", nan, 1000.0}, {"lbmol/h", nan, 1.0 / lb}, {"Hp", nan, 1.0 / 0.7456999}, {"Btu/lb", nan, lb / btu},
+        {"Btu/lb/F", nan, lb / btu / 1.8}, {"GJ/h", nan, 1e-6}, {"Btu/h", nan, 1.0 / btu},
+        {"MMBtu/h", nan, 1e-6 / btu}, {"Btu/h/F", nan, 1.0 / btu / 1.8}, {"Btu/h/ft2/F", nan, 1.0 / 5.678263},
         {"Btu/h/ft/F", nan, 1.0 / 1.730735},
-        // The flow table: mass flow, and volume flow per density.
-        {"kg/h", nan, 1000.0},
-        {"lb/h", nan, 1000.0 / lb},
-        {"klb/d", nan, 24.0 / lb},
-        {"m3/h", nan, 1000.0},  // through the first table: density 1
-        {"m3/h", 1000.0, 1.0},
-        {"m3/h", 0.0, 1.0},
-        {"m3/min", 500.0, 1000.0 / 500.0 / 60.0},
+        // The flow table: mass flow, and volume flow per density ("m3/h"
+        // through the first table has density 1).
+        {"kg/h", nan, 1000.0}, {"lb/h", nan, 1000.0 / lb}, {"klb/d", nan, 24.0 / lb}, {"m3/h", nan, 1000.0},
+        {"m3/h", 1000.0, 1.0}, {"m3/h", 0.0, 1.0}, {"m3/min", 500.0, 1000.0 / 500.0 / 60.0},
         {"USGPM", 1000.0, 1000.0 / 3.785411784 / 60.0},
         {"bpd", 850.0, 1000.0 / 850.0 * 24.0 / (42.0 * 0.003785411784)},
-        {"ft3/min", 2.0, 1000.0 / 2.0 / (ft * ft * ft) / 60.0},
-        {"Nm3/h", 28.0, 1000.0 / 28.0 * 22.41},
+        {"ft3/min", 2.0, 1000.0 / 2.0 / (ft * ft * ft) / 60.0}, {"Nm3/h", 28.0, 1000.0 / 28.0 * 22.41},
         {"MMSCFD", 16.0, 20.0848 / 16.0},
     };
     for (const auto& r : rows) {
@@ -186,28 +160,14 @@ TEST(Units, ConvertedNumbersForDisplay) {
 TEST(Units, FormatNumSignificantFiguresAndWidth) {
     struct Row { double value; int digits; int width; const char* expected; };
     const Row rows[] = {
-        {0.00001, 3, 9, "0"},            // below every threshold for 3 figures
-        {1234567.0, 3, 9, "1.235E06"},   // a million and above: exponent form
-        {1234567.0, 3, 5, "###"},        // and too wide for 5
-        {0.0, 3, 9, "0"},
-        {1e-36, 3, 9, "0"},
-        {-0.00001, 3, 9, "0"},
-        {999999.9, 3, 9, "1,000,000"},
-        {123456.7, 3, 9, "123,457"},
-        {123456.7, 3, 6, "123457"},      // without groups to fit
-        {123456.7, 3, 5, "###"},
-        {-1234.5, 3, 9, "-1,235"},
-        {12.345, 3, 9, "12.3"},
-        {1.2345, 3, 9, "1.23"},
-        {0.12345, 3, 9, "0.123"},
-        {0.012345, 3, 9, "0.0123"},
-        {0.012345, 3, 5, "0.012"},       // cut to the width
-        {0.0012345, 3, 9, "0.00123"},
-        {0.0012345, 2, 9, "0.0012"},
-        {0.0012345, 4, 9, "0.001235"},
-        {0.00012345, 4, 9, "0"},
-        {1.23456, 9, 9, "1.2346"},       // digits limited to 5
-        {1.23456, 0, 9, "1"},            // and to 1
+        {0.00001, 3, 9, "0"},  // below every threshold for 3 figures
+        {1234567.0, 3, 9, "1.235E06"}, {1234567.0, 3, 5, "###"},  // a million and above: exponent form
+        {0.0, 3, 9, "0"}, {1e-36, 3, 9, "0"}, {-0.00001, 3, 9, "0"}, {999999.9, 3, 9, "1,000,000"},
+        {123456.7, 3, 9, "123,457"}, {123456.7, 3, 6, "123457"}, {123456.7, 3, 5, "###"},
+        {-1234.5, 3, 9, "-1,235"}, {12.345, 3, 9, "12.3"}, {1.2345, 3, 9, "1.23"}, {0.12345, 3, 9, "0.123"},
+        {0.012345, 3, 9, "0.0123"}, {0.012345, 3, 5, "0.012"}, {0.0012345, 3, 9, "0.00123"},
+        {0.0012345, 2, 9, "0.0012"}, {0.0012345, 4, 9, "0.001235"}, {0.00012345, 4, 9, "0"},
+        {1.23456, 9, 9, "1.2346"}, {1.23456, 0, 9, "1"},  // digits limited to 1..5
         {std::numeric_limits<double>::quiet_NaN(), 3, 9, "###"},
     };
     for (const auto& r : rows)
