@@ -114,9 +114,26 @@ std::string map_case_entries(std::string_view text, F number) {
 void SetUnits(DisplayUnits& u, const Header& gen) {
     const std::string set = trim(gen.UNITS);
     if (set == "British") {
-        u = DisplayUnits{"British", "ft",       "in", "lb/h",   "USGPM",  "ft3/min", "lbmol/h",
-                         "lb/ft3",  "F",        "psig", "ft",   "psi/100ft", "ft/s", "Hp",
-                         "Btu/lb",  "Btu/lb/F", "MMBtu/h", "MMBtu/h/F", "Btu/h/ft2/F", "Btu/h/ft/F"};
+        u = DisplayUnits{.set = "British",
+                         .length = "ft",
+                         .diameter = "in",
+                         .mass_flow = "lb/h",
+                         .liquid_volume_flow = "USGPM",
+                         .gas_volume_flow = "ft3/min",
+                         .molar_flow = "lbmol/h",
+                         .density = "lb/ft3",
+                         .temperature = "F",
+                         .pressure = "psig",
+                         .head = "ft",
+                         .gradient = "psi/100ft",
+                         .velocity = "ft/s",
+                         .power = "Hp",
+                         .enthalpy = "Btu/lb",
+                         .heat_capacity = "Btu/lb/F",
+                         .duty = "MMBtu/h",
+                         .duty_per_degree = "MMBtu/h/F",
+                         .heat_transfer_coefficient = "Btu/h/ft2/F",
+                         .conductivity = "Btu/h/ft/F"};
     } else if (set == "Custom") {
         // The heat transfer coefficient and conductivity have no custom
         // entry: they stay as the set before left them.
