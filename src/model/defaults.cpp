@@ -3,6 +3,7 @@
 // placing an item.
 #include "model/project_file.hpp"
 #include "model/text.hpp"
+#include "model/units.hpp"
 
 namespace velm {
 
@@ -11,9 +12,7 @@ namespace {
 void set_header(Header& g) {
     g = Header{};
     g.UNITS = "Metric";
-    g.UNITS1 = {"", "m", "m", "t/h", "m3/h", "m3/h", "kmol/h"};
-    g.UNITS2 = {"", "kg/m3", "C", "kPag", "m", "kPa/100m", "m/s"};
-    g.UNITS3 = {"", "kW", "kJ/kg", "kJ/kg/K", "kJ/h", "kJ/h/K"};
+    set_custom_unit_defaults(g);
     g.PATM = 101.325;
     g.DWGSTD = "A4 Landscape";
     g.DWGSIZ = {0.0f, 16837.0f, 11905.0f};

@@ -5,6 +5,7 @@
 
 #include "model/case_data.hpp"
 #include "model/context.hpp"
+#include "model/pipe_table.hpp"
 #include "model/text.hpp"
 #include "solver/network.hpp"
 
@@ -263,12 +264,7 @@ void HydrInit(RunContext& ctx, Project& p) {
         }
         l.LVFLOW[1] = l.LF[3] * l.TFLOW.value;
         l.LVFLOW[2] = (1.0 - l.LF[3]) * l.TFLOW.value;
-        l.pipe_index = 0;
-        for (int k = 1; k < static_cast<int>(p.pipedata.size()); ++k)
-            if (p.pipedata[static_cast<std::size_t>(k)].MAT == l.MAT) {
-                l.pipe_index = k;
-                break;
-            }
+        l.pipe_index = find_pipe_material(p.pipedata, l.MAT);
         if (l.pipe_index == 0) {
             ctx.log_error("Error! Pipe database missing for line " + n);
             if (p.pipedata.size() > 1) l.pipe_index = 1;
