@@ -1,10 +1,60 @@
+// The velm command: run, check and new.
 #include "app/cli.hpp"
 
+#include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <iostream>
 
+#include "app/commands.hpp"
+
 namespace velm {
-int cli_main(int, char**) {
-    std::cerr << "velm: not yet\n";
-    return 2;
+
+int cli_main(int argc, char** argv) {
+    CLI::App app{"velm: rating and sizing of plant pipe networks"};
+    app.require_subcommand(1);
+    app.set_help_all_flag("--help-all", "Show the help of every command");
+
+    RunOptions run;
+    auto* run_cmd = app.add_subcommand("run", "Run every case of a project and write the run log");
+    run_cmd->add_option("project", run.project, "Project file (.vdf)")->required();
+    run_cmd->add_option("--out", run.out, "Directory of runlog.txt and the reports");
+    auto* save = run_cmd->add_option("--save", run.save, "Write the project with its results to this file");
+    auto* in_place = run_cmd->add_flag("--in-place", run.in_place, "Write the results back into the project file");
+    save->excludes(in_place);
+    run_cmd->add_flag("--resume", run.resume, "Start from the values left in the project instead of fresh guesses");
+    run_cmd->add_option("--mode", run.mode, "hydraulics, hmb or both")
+        ->check(CLI::IsMember({"hydraulics", "hmb", "both"}));
+    run_cmd->add_flag("--european", run.read.european,
+                      "Read a file of version 1.2 to 1.5 as written with a decimal comma");
+
+    ReadOptions check;
+    std::string check_project;
+    auto* check_cmd = app.add_subcommand("check", "Count specifications and variables and check connectivity");
+    check_cmd->add_option("project", check_project, "Project file (.vdf)")->required();
+    check_cmd->add_flag("--european", check.european, "Read a file of version 1.2 to 1.5 as written with a decimal comma");
+
+    std::string new_file;
+    auto* new_cmd = app.add_subcommand("new", "Write a new project with the defaults");
+    new_cmd->add_option("file", new_file, "Project file to write (.vdf)")->required();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        app.exit(e);
+        return 2;
+    }
+    try {
+        if (*run_cmd) return command_run(run);
+        if (*check_cmd) return command_check(check_project, check);
+        return command_new(new_file);
+    } catch (const std::exception& e) {
+        std::cerr << "velm: " << e.what() << "\n";
+        return 2;
+    }
 }
+
 }  // namespace velm

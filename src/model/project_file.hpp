@@ -18,11 +18,13 @@ using ImportIndex = std::function<std::optional<int>(const std::string& section,
 
 // Reads a project file into the project. Messages and questions go through
 // ctx.ui in the program's words. Returns false when the file could not be read
-// (what was read so far stays in the project).
+// (what was read so far stays in the project). faults, when given, receives
+// the number of lines that were told as faulty and skipped.
 bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& file,
-             const ImportIndex* import = nullptr);
-// The same from bytes already in memory; name is used only in messages.
-bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, const ImportIndex* import = nullptr);
+             const ImportIndex* import = nullptr, int* faults = nullptr);
+// The same from bytes already in memory.
+bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, const ImportIndex* import = nullptr,
+                   int* faults = nullptr);
 
 // The whole project as file bytes (Windows-1252 text, CR LF line ends).
 std::string WriteVdf(RunContext& ctx, const Project& project);

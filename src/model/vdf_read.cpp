@@ -26,12 +26,14 @@ struct Reader {
     Project& project;
     const ImportIndex* import;
     ItemReader in;
-    int faults = 0;
+    int faults = 0;  // since the last question
+    int total = 0;
 
     // A fault in one line: told, counted, and after ten of them the user may stop.
     void fault(const std::string& text) {
         ctx.ui.tell(text);
         ++faults;
+        ++total;
         if (import || faults <= 10) return;
         if (ctx.ui.ask("Abort reading file ?", {"Yes", "No"}) == 0)
             raise_fault(18, "User interrupt occurred");
@@ -112,8 +114,16 @@ VersionKind version_kind(const std::string& v) {
 
 }  // namespace
 
-bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, const ImportIndex* import) {
+bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, const ImportIndex* import,
+                   int* faults) {
     Reader r{ctx, project, import, ItemReader(bytes)};
+    struct Report {
+        const Reader& r;
+        int* out;
+        ~Report() {
+            if (out) *out = r.total;
+        }
+    } report{r, faults};
     try {
         const std::string tag = r.in.item();
         if (upper(tag.substr(0, 4)) != "VELM") {
@@ -149,7 +159,8 @@ bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, co
     }
 }
 
-bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& file, const ImportIndex* import) {
+bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& file, const ImportIndex* import,
+             int* faults) {
     std::error_code ec;
     if (trim(file.string()).empty() || !std::filesystem::is_regular_file(file, ec)) {
         ctx.ui.tell("Error - File does not exist !");
@@ -162,7 +173,7 @@ bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& fil
         ctx.ui.tell("Error reading file = 75 : Path/File access error. Press OK to clear.");
         return false;
     }
-    return read_vdf_text(ctx, project, bytes.str(), import);
+    return read_vdf_text(ctx, project, bytes.str(), import, faults);
 }
 
 }  // namespace velm

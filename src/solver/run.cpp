@@ -165,6 +165,7 @@ RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
     ctx.log_error(msg);
     ctx.run_active = false;
     result.title = title;
+    result.message = msg;
     result.log = ctx.log_line();
     ctx.run_log_text.clear();
     return result;

@@ -21,6 +21,7 @@ struct CaseResult {
 
 struct RunResult {
     std::string title;               // the caption that closes the run
+    std::string message;             // the last message of the run, when it ended on a fault
     std::string log;                 // the run log as read back from runlog.txt
     std::vector<CaseResult> cases;   // the cases that were solved, in run order
     int num_vars = 0, num_specs = 0;

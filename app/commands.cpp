@@ -1,0 +1,179 @@
+#include "app/commands.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+#include "model/case_data.hpp"
+#include "model/context.hpp"
+#include "model/pipe_table.hpp"
+#include "model/project_file.hpp"
+#include "model/text.hpp"
+#include "model/units.hpp"
+#include "solver/checks.hpp"
+#include "solver/network.hpp"
+#include "solver/run.hpp"
+
+namespace velm {
+
+namespace {
+
+// The command line's interaction layer: messages go to standard error, the
+// status of a run to standard output, and questions are answered from flags.
+class ConsoleInteraction : public Interaction {
+public:
+    explicit ConsoleInteraction(const ReadOptions& opt) : opt_(opt) {}
+    void tell(const std::string& text) override { std::cerr << crlf_to_lf(text) << "\n"; }
+    int ask(const std::string& question, const std::vector<std::string>& choices) override {
+        // Nobody is there to answer: an old file is read as the flag says, and
+        // reading a file with many faulty lines stops.
+        int answer = 0;
+        if (question.rfind("Was this older file", 0) == 0) answer = opt_.european ? 0 : 1;
+        std::cerr << question << " " << (answer < static_cast<int>(choices.size()) ? choices[answer] : "") << "\n";
+        return answer;
+    }
+    void status(const std::string& text) override { std::cout << text << "\n"; }
+
+private:
+    static std::string crlf_to_lf(std::string s) {
+        for (std::size_t at = s.find("\r\n"); at != std::string::npos; at = s.find("\r\n", at)) s.erase(at, 1);
+        return s;
+    }
+    ReadOptions opt_;
+};
+
+std::filesystem::path default_data_dir() {
+    if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg) return std::filesystem::path(xdg) / "velm";
+    if (const char* home = std::getenv("HOME"); home && *home)
+        return std::filesystem::path(home) / ".local" / "share" / "velm";
+    return std::filesystem::current_path();
+}
+
+// A new project with the pipe table of the library directory (VELM_LIB) or
+// the built-in copy.
+bool start_project(RunContext& ctx, Project& p) {
+    NewProject(p);
+    const char* lib = std::getenv("VELM_LIB");
+    return ReadPipeLib(ctx, p.pipedata, lib ? std::filesystem::path(lib) : std::filesystem::path());
+}
+
+// Reads the project; a file with faulty lines is not run either.
+bool load_project(RunContext& ctx, Project& p, const std::string& file) {
+    if (!start_project(ctx, p)) return false;
+    int faults = 0;
+    if (!ReadVdf(ctx, p, file, nullptr, &faults)) {
+        std::cerr << "velm: cannot read " << file << "; nothing was run or written.\n";
+        return false;
+    }
+    if (faults > 0) {
+        std::cerr << "velm: " << file << " has " << faults << " faulty line" << (faults == 1 ? "" : "s")
+                  << " (told above); correct the file. Nothing was run or written.\n";
+        return false;
+    }
+    return true;
+}
+
+void print_cell(const std::string& s, int width) {
+    std::printf("%*s", width, s.c_str());
+}
+
+// The line results of a case in the project's display units.
+void print_line_table(RunContext& ctx, const Project& p) {
+    DisplayUnits u;
+    SetUnits(u, p.gen);
+    std::printf("%-12s", "Line");
+    for (const char* h : {"Flow", "P in", "P out", "Velocity", "dP/100"}) print_cell(h, 11);
+    std::printf("\n%-12s", "");
+    for (const std::string& h : {u.mass_flow, u.pressure, u.pressure, u.velocity, u.gradient}) print_cell(h, 11);
+    std::printf("\n");
+    for (std::size_t i = 1; i < p.lines.size(); ++i) {
+        const Line& l = p.lines[i];
+        std::printf("%-12s", trim(l.NAME[1]).substr(0, 11).c_str());
+        print_cell(convert_fmt(ctx, l.TFLOW.value, "t/h", u.mass_flow, 4), 11);
+        print_cell(convert_fmt(ctx, l.PRES[1], "kPag", u.pressure, 4), 11);
+        print_cell(convert_fmt(ctx, l.PRES[2], "kPag", u.pressure, 4), 11);
+        print_cell(convert_fmt(ctx, l.VEL[3], "m/s", u.velocity, 4), 11);
+        print_cell(convert_fmt(ctx, l.DPL, "kPa/100m", u.gradient, 4), 11);
+        std::printf("\n");
+    }
+}
+
+int save_project(RunContext& ctx, const Project& p, const std::string& file) {
+    if (!save_vdf(ctx, p, file)) return 2;
+    std::cout << "Project saved: " << file << "\n";
+    return 0;
+}
+
+}  // namespace
+
+int command_run(const RunOptions& opt) {
+    if (opt.mode != "hydraulics") {
+        std::cerr << "velm: the heat and mole balance (--mode " << opt.mode
+                  << ") is not available in this build yet; use --mode hydraulics.\n";
+        return 2;
+    }
+    ConsoleInteraction ui(opt.read);
+    RunContext ctx(ui);
+    Project p;
+    if (!load_project(ctx, p, opt.project)) return 2;
+    ctx.data_dir = opt.out.empty() ? default_data_dir() : std::filesystem::path(opt.out);
+    std::error_code ec;
+    std::filesystem::create_directories(ctx.data_dir, ec);
+    if (ec) {
+        std::cerr << "velm: cannot create the output directory " << ctx.data_dir.string() << ": " << ec.message() << "\n";
+        return 2;
+    }
+    ctx.resume_run = opt.resume;
+    const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
+        std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "
+                  << c.iterations << " iterations.\n";
+        print_line_table(ctx, p);
+    });
+    std::cout << "\n" << r.title << "\n";
+    std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
+    if (!r.message.empty()) std::cout << r.message << "\n";
+    int status = r.all_converged() ? 0 : 1;
+    const std::string target = opt.in_place ? opt.project : opt.save;
+    if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;
+    return status;
+}
+
+int command_check(const std::string& file, const ReadOptions& opt) {
+    ConsoleInteraction ui(opt);
+    RunContext ctx(ui);
+    Project p;
+    if (!load_project(ctx, p, file)) return 2;
+    std::string msg;
+    CheckConnectivity(p, msg);
+    if (msg.empty()) check_supported(p, msg);
+    if (!msg.empty()) {
+        std::cout << msg << "\n";
+        return 1;
+    }
+    std::cout << "Connectivity: OK\n";
+    Network net;
+    int status = 0;
+    const int ncase = case_count_or_value(p.gen.CASENO, 0);
+    for (int ix = 1; ix <= ncase; ++ix) {
+        const int case_no = case_count_or_value(p.gen.CASENO, ix);
+        Count_Specs(ctx, p, net, case_no);
+        const int s = net.NumSpecs - structural_rows(p);
+        const int r = net.NumVars - (net.NumSpecs - s);
+        std::cout << "Case " << case_no << ": Number of Specifications = " << net.NumSpecs
+                  << ", Number of Variables = " << net.NumVars << ", Specified/Required = " << s << "/" << r << "\n";
+        if (net.NumSpecs != net.NumVars) status = 1;
+    }
+    return status;
+}
+
+int command_new(const std::string& file) {
+    ReadOptions none;
+    ConsoleInteraction ui(none);
+    RunContext ctx(ui);
+    Project p;
+    if (!start_project(ctx, p)) return 2;
+    return save_project(ctx, p, file);
+}
+
+}  // namespace velm
