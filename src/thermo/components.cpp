@@ -1,0 +1,350 @@
+#include "thermo/components.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <optional>
+
+#include "model/embedded.hpp"
+#include "model/fault.hpp"
+
+namespace velm {
+
+namespace {
+
+constexpr int kFaultSubscript = 9;     // "Subscript out of range"
+constexpr int kFaultBadRecord = 63;    // "Bad record number"
+constexpr std::size_t kNameBytes = 40;
+constexpr std::size_t kFormulaBytes = 12;
+constexpr std::size_t kFloatFields = 32;
+
+std::string upper(std::string_view s) {
+    std::string out(s);
+    for (char& c : out)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    return out;
+}
+
+std::string_view trim(std::string_view s) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\0' || c == '\r' || c == '\n'; };
+    while (!s.empty() && blank(s.front())) s.remove_prefix(1);
+    while (!s.empty() && blank(s.back())) s.remove_suffix(1);
+    return s;
+}
+
+// Little-endian fields, read byte by byte so that the host's order and the
+// alignment of the buffer do not matter.
+std::uint32_t le32(const char* p) {
+    std::uint32_t v = 0;
+    for (int i = 3; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(p[i]);
+    return v;
+}
+
+std::uint64_t le64(const char* p) {
+    std::uint64_t v = 0;
+    for (int i = 7; i >= 0; --i) v = (v << 8) | static_cast<unsigned char>(p[i]);
+    return v;
+}
+
+std::string text_field(const char* p, std::size_t width) {
+    return std::string(trim(std::string_view(p, width)));
+}
+
+// One library file, built in or from the library directory, read by records.
+class LibraryFile {
+public:
+    bool open(const CompLibrary& lib, std::string_view name) {
+        if (lib.dir.empty()) {
+            builtin_ = embedded_file(name);
+            size_ = builtin_.size();
+            return !builtin_.empty();
+        }
+        file_.open(lib.dir / std::string(name), std::ios::binary);
+        if (!file_) return false;
+        file_.seekg(0, std::ios::end);
+        const auto end = file_.tellg();
+        size_ = end < 0 ? 0 : static_cast<std::uint64_t>(end);
+        from_disk_ = true;
+        return true;
+    }
+
+    std::uint64_t size() const { return size_; }
+
+    // The bytes [offset, offset + count); Fault 62 when the file ends before.
+    std::string read(std::uint64_t offset, std::size_t count) {
+        if (offset > size_ || count > size_ - offset) raise_fault(kFaultPastEnd);
+        if (!from_disk_) return std::string(builtin_.substr(offset, count));
+        std::string out(count, '\0');
+        file_.clear();
+        file_.seekg(static_cast<std::streamoff>(offset));
+        file_.read(out.data(), static_cast<std::streamsize>(count));
+        if (file_.gcount() != static_cast<std::streamsize>(count)) raise_fault(kFaultPastEnd);
+        return out;
+    }
+
+private:
+    std::string_view builtin_;
+    std::ifstream file_;
+    std::uint64_t size_ = 0;
+    bool from_disk_ = false;
+};
+
+// The offset of record num (1-based) of a file of fixed records.
+std::uint64_t record_offset(int num, std::size_t record_bytes) {
+    if (num < 1) raise_fault(kFaultBadRecord, "Bad record number");
+    return static_cast<std::uint64_t>(num - 1) * record_bytes;
+}
+
+bool decode_prophys_record(std::string_view bytes, CompProp& rec) {
+    if (bytes.size() < kProphysRecordBytes) return false;
+    const char* p = bytes.data();
+    const auto number = static_cast<std::int16_t>(static_cast<std::uint16_t>(
+        static_cast<unsigned char>(p[0]) | (static_cast<unsigned char>(p[1]) << 8)));
+    const double mw = std::bit_cast<double>(le64(p + 54));
+    if (!std::isfinite(mw)) return false;
+    rec = CompProp{};
+    rec.Number = number;
+    rec.Name = text_field(p + 2, kNameBytes);
+    rec.MW = static_cast<float>(mw);
+    return true;
+}
+
+void log_read_error(RunContext& ctx, const Fault& f) {
+    ctx.log_error("Error reading property data = " + fault_text(f));
+}
+
+std::string not_found_text(std::string_view file) {
+    return "Error! Component database not found. Put original " + std::string(file) + " in program directory.";
+}
+
+// Reads record num of a library of fixed records into rec. On a missing
+// file or a bad record the message is logged and rec is left zero.
+void read_library_record(RunContext& ctx, const CompLibrary& lib, std::string_view file,
+                         std::size_t record_bytes, int num, CompProp& rec,
+                         bool (*decode)(std::string_view, CompProp&)) {
+    LibraryFile lf;
+    if (!lf.open(lib, file)) {
+        ctx.log_error(not_found_text(file));
+        return;
+    }
+    try {
+        rec = CompProp{};
+        const std::string bytes = lf.read(record_offset(num == -1 ? 1 : num, record_bytes), record_bytes);
+        if (!decode(bytes, rec)) {
+            rec = CompProp{};
+            raise_fault(kFaultTypeMismatch);
+        }
+    } catch (const Fault& f) {
+        log_read_error(ctx, f);
+    }
+}
+
+// The library file of the engine, or empty (with the message) when the
+// engine keeps no library of its own.
+std::string_view engine_library(RunContext& ctx, const CompLibrary& lib, std::size_t& record_bytes) {
+    const std::string engine = upper(lib.mflash);
+    if (engine == "VELM") {
+        record_bytes = kPropaRecordBytes;
+        return "propa.lib";
+    }
+    if (engine == "HYSYS") {
+        record_bytes = kProphysRecordBytes;
+        return "prophys.lib";
+    }
+    // "PPP" draws its data from ppp.dll, a closed Windows library that this
+    // build has no interface to; it is reported like any other engine
+    // without a component library.
+    ctx.log_error("Error! Flash method does not support this operation.");
+    return {};
+}
+
+// Splits a line of propkij.lib into comma-separated items; double quotes
+// enclose an item that may hold commas.
+std::vector<std::string> split_items(std::string_view line) {
+    std::vector<std::string> items;
+    std::string item;
+    bool quoted = false;
+    for (char c : line) {
+        if (c == '"') {
+            quoted = !quoted;
+        } else if (c == ',' && !quoted) {
+            items.emplace_back(trim(item));
+            item.clear();
+        } else {
+            item += c;
+        }
+    }
+    items.emplace_back(trim(item));
+    return items;
+}
+
+double number_item(const std::vector<std::string>& items, std::size_t k) {
+    if (k >= items.size()) raise_fault(kFaultPastEnd);
+    const std::string& s = items[k];
+    char* end = nullptr;
+    const double v = std::strtod(s.c_str(), &end);
+    if (s.empty() || end != s.c_str() + s.size() || !std::isfinite(v)) raise_fault(kFaultTypeMismatch);
+    return v;
+}
+
+int component_item(const std::vector<std::string>& items, std::size_t k) {
+    const double v = number_item(items, k);
+    if (std::fabs(v) > 1e9) raise_fault(kFaultOverflow);
+    return static_cast<int>(std::lround(v));
+}
+
+}  // namespace
+
+std::filesystem::path library_dir_from_environment() {
+    const char* dir = std::getenv("VELM_LIB");
+    return dir ? std::filesystem::path(dir) : std::filesystem::path();
+}
+
+bool decode_propa_record(std::string_view bytes, CompProp& rec) {
+    if (bytes.size() < kPropaRecordBytes) return false;
+    const char* p = bytes.data();
+    float v[kFloatFields];
+    for (std::size_t k = 0; k < kFloatFields; ++k) {
+        v[k] = std::bit_cast<float>(le32(p + 56 + 4 * k));
+        if (!std::isfinite(v[k])) return false;
+    }
+    rec.Number = static_cast<std::int32_t>(le32(p));
+    rec.Name = text_field(p + 4, kNameBytes);
+    rec.Formula = text_field(p + 44, kFormulaBytes);
+    float* const fields[kFloatFields] = {
+        &rec.MW,   &rec.TFP,  &rec.TBP,   &rec.TC,   &rec.PC,       &rec.VC,    &rec.ZC,    &rec.Acc,
+        &rec.LDenStd, &rec.LDen, &rec.TDen, &rec.DIPM, &rec.CpA,   &rec.CpB,   &rec.CpC,   &rec.CpD,
+        &rec.CpE,  &rec.ViscType, &rec.ViscA, &rec.ViscB, &rec.ViscC, &rec.ViscD, &rec.HVap, &rec.HFor,
+        &rec.GFor, &rec.AntA, &rec.AntB,  &rec.AntC, &rec.AntD,     &rec.AntE,  &rec.AntTMin, &rec.AntTMax};
+    for (std::size_t k = 0; k < kFloatFields; ++k) *fields[k] = v[k];
+    return true;
+}
+
+int CountComps(std::span<const int> ids) {
+    int n = 0;
+    for (std::size_t k = 1; k < ids.size() && ids[k] != 0; ++k) ++n;
+    return n;
+}
+
+void GetComp(RunContext& ctx, const CompLibrary& lib, int num, CompProp& rec) {
+    const std::string engine = upper(lib.mflash);
+    if (engine == "VELM" || engine == "HYSYS") {
+        const bool velm = engine == "VELM";
+        if (num >= kPseudoFirst) {
+            // The HYSYS path knows no pseudo components: rec stays as it is.
+            if (!velm) return;
+            const auto k = static_cast<std::size_t>(num - kPseudoFirst);
+            if (k < 1 || k >= lib.pseudo.size()) {
+                rec = CompProp{};
+                log_read_error(ctx, Fault{kFaultSubscript, "Subscript out of range"});
+                return;
+            }
+            rec = lib.pseudo[k];
+            return;
+        }
+        if (velm)
+            read_library_record(ctx, lib, "propa.lib", kPropaRecordBytes, num, rec, decode_propa_record);
+        else
+            read_library_record(ctx, lib, "prophys.lib", kProphysRecordBytes, num, rec, decode_prophys_record);
+        return;
+    }
+    std::size_t unused = 0;
+    engine_library(ctx, lib, unused);
+}
+
+void GetCompNames(RunContext& ctx, const CompLibrary& lib, std::vector<std::string>& names) {
+    names.assign(1, std::string());
+    std::size_t record_bytes = 0;
+    const std::string_view file = engine_library(ctx, lib, record_bytes);
+    if (file.empty()) return;
+    LibraryFile lf;
+    if (!lf.open(lib, file)) {
+        ctx.log_error(not_found_text(file));
+        return;
+    }
+    const std::size_t name_offset = record_bytes == kPropaRecordBytes ? 4 : 2;
+    try {
+        const std::uint64_t records = lf.size() / record_bytes;
+        names.reserve(static_cast<std::size_t>(records) + 1);
+        for (std::uint64_t k = 0; k < records; ++k)
+            names.push_back(text_field(lf.read(k * record_bytes + name_offset, kNameBytes).data(), kNameBytes));
+        if (lf.size() % record_bytes != 0) raise_fault(kFaultPastEnd);
+    } catch (const Fault& f) {
+        log_read_error(ctx, f);
+    }
+}
+
+int comp_number_by_name(RunContext& ctx, const CompLibrary& lib, std::string_view name) {
+    const std::string wanted = upper(trim(name));
+    if (wanted.empty()) return 0;
+    std::vector<std::string> names;
+    GetCompNames(ctx, lib, names);
+    for (std::size_t k = 1; k < names.size(); ++k)
+        if (upper(names[k]) == wanted) return static_cast<int>(k);
+    return 0;
+}
+
+void GetCompData(RunContext& ctx, const CompLibrary& lib, std::span<const int> ids,
+                 std::vector<CompProp>& comps, std::vector<std::vector<double>>& kij) {
+    const auto n = static_cast<std::size_t>(CountComps(ids));
+    comps.assign(n + 1, CompProp{});
+    kij.assign(n + 1, std::vector<double>(n + 1, 0.0));
+    for (std::size_t k = 1; k <= n; ++k) GetComp(ctx, lib, ids[k], comps[k]);
+    ReadKij(ctx, lib, ids, kij);
+}
+
+void ReadKij(RunContext& ctx, const CompLibrary& lib, std::span<const int> ids,
+             std::vector<std::vector<double>>& kij) {
+    const auto n = static_cast<std::size_t>(CountComps(ids));
+    if (kij.size() != n + 1) kij.assign(n + 1, std::vector<double>(n + 1, 0.0));
+    for (auto& row : kij) row.resize(n + 1, 0.0);
+
+    LibraryFile lf;
+    if (!lf.open(lib, "propkij.lib")) {
+        ctx.log_error("Warning! Component kij database not found.");
+        return;
+    }
+    try {
+        const std::string text = lf.read(0, static_cast<std::size_t>(lf.size()));
+        std::size_t start = 0;
+        int line_no = 0;
+        while (start < text.size()) {
+            std::size_t end = text.find('\n', start);
+            if (end == std::string::npos) end = text.size();
+            std::string_view line(text.data() + start, end - start);
+            start = end + 1;
+            ++line_no;
+            if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+
+            const std::vector<std::string> items = split_items(line);
+            const std::string key = upper(items[0]);
+            if (key.empty() || key == "\\EOS") continue;
+            if (key == "\\KIJ") {
+                const int i = component_item(items, 1);
+                const int j = component_item(items, 2);
+                const double value = number_item(items, 3);
+                for (std::size_t p = 1; p <= n; ++p) {
+                    if (ids[p] != i) continue;
+                    for (std::size_t q = 1; q <= n; ++q) {
+                        if (ids[q] != j || q == p) continue;
+                        kij[p][q] = value;
+                        kij[q][p] = value;
+                    }
+                }
+                continue;
+            }
+            const std::size_t comma = line.find(',');
+            const std::string_view rest = comma == std::string_view::npos ? std::string_view() : trim(line.substr(comma + 1));
+            ctx.ui.tell("Line = " + std::to_string(line_no) + " ignored : Kij key not recognized. Input = " + key +
+                        "\n\r" + "Line discarded = " + std::string(rest));
+        }
+    } catch (const Fault& f) {
+        ctx.log_error("Error reading kij = " + fault_text(f));
+    }
+}
+
+}  // namespace velm
