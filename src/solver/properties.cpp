@@ -200,6 +200,8 @@ void refresh_vessel(RunContext& ctx, Project& p, Vessel& v, int case_no) {
     level_density_from_line(p, v, v.LEVL5, v.LEVL3);
     level_density_from_line(p, v, v.LEVM5, v.LEVM3);
     level_density_from_line(p, v, v.LEVH5, v.LEVH3);
+    // The liquid fraction of the outgoing split, when given, is in force for the case.
+    if (is_specified(v.LF.spec, case_no)) v.LF.value = spec_value(v.LF.spec, case_no);
     v.LevL = spec_value(v.LEVL1, case_no);
     v.LevM = spec_value(v.LEVM1, case_no);
     v.LevH = spec_value(v.LEVH1, case_no);
