@@ -71,13 +71,13 @@ double leading_number(std::string_view s) {
 
 std::string number_text(double v) {
     char buf[40];
-    auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
+    auto r = std::to_chars(buf, buf + sizeof buf, v);
     return std::string(buf, r.ptr);
 }
 
 std::string single_text(float v) {
     char buf[40];
-    auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 7);
+    auto r = std::to_chars(buf, buf + sizeof buf, v);
     return std::string(buf, r.ptr);
 }
 

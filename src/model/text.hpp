@@ -21,8 +21,8 @@ std::optional<double> parse_number(std::string_view s);
 // The number at the start of the text, 0 when there is none (leading blanks skipped).
 double leading_number(std::string_view s);
 
-// Shortest text that reads back to the same value: 15 significant digits for a
-// double, 7 for a single, always with a decimal point, never a locale's comma.
+// Shortest text that reads back to the same value (a double or a single),
+// always with a decimal point, never a locale's comma.
 std::string number_text(double v);
 std::string single_text(float v);
 
