@@ -1,0 +1,105 @@
+// Grid networks of about 1,000 and 10,000 lines: one step of the network
+// solution, and a whole run to convergence.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+
+#include "model/context.hpp"
+#include "model/pipe_table.hpp"
+#include "model/project_file.hpp"
+#include "solver/network.hpp"
+#include "solver/properties.hpp"
+#include "solver/run.hpp"
+
+namespace velm {
+namespace {
+
+// A rows x cols grid of junctions joined by 100 m lines of 6 in pipe, flow
+// directed right and down; a feed at 500 kPag into the first corner and a
+// product at 100 kPag out of each other corner.
+Project grid(RunContext& ctx, int rows, int cols) {
+    Project p;
+    NewProject(p);
+    ReadPipeLib(ctx, p.pipedata);
+    p.lines[0].DIA[1] = "6";
+    auto node = [cols](int r, int c) { return r * cols + c + 1; };
+    p.juncs.resize(static_cast<std::size_t>(rows * cols) + 1, p.juncs[0]);
+    auto connect = [&](int from, int to) {
+        p.lines.push_back(p.lines[0]);
+        const int l = count(p.lines);
+        p.lines.back().NAME[1] = "L" + std::to_string(l);
+        auto free_port = [](std::array<Port, kNozzles + 1>& ports) -> Port& {
+            for (int n = 1; n < kNozzles; ++n)
+                if (ports[n].CON == 0) return ports[n];
+            return ports[kNozzles];
+        };
+        if (from) free_port(p.juncs[from].NOZO).CON = l;
+        if (to) free_port(p.juncs[to].NOZI).CON = l;
+        return l;
+    };
+    for (int r = 0; r < rows; ++r)
+        for (int c = 0; c < cols; ++c) {
+            if (c + 1 < cols) connect(node(r, c), node(r, c + 1));
+            if (r + 1 < rows) connect(node(r, c), node(r + 1, c));
+        }
+    p.feeds.push_back(p.feeds[0]);
+    p.feeds[1].PRES.spec = "500";
+    p.feeds[1].NOZ.CON = connect(0, node(0, 0));
+    for (int corner : {node(0, cols - 1), node(rows - 1, 0), node(rows - 1, cols - 1)}) {
+        p.prods.push_back(p.prods[0]);
+        p.prods.back().PRES.spec = "100";
+        p.prods.back().NOZ.CON = connect(corner, 0);
+    }
+    return p;
+}
+
+void configure(RunContext& ctx) {
+    ctx.data_dir = std::filesystem::temp_directory_path() / "velm_bench";
+    std::filesystem::create_directories(ctx.data_dir);
+    ctx.max_iter = 100;
+}
+
+void BM_HydrSolve(benchmark::State& state) {
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    configure(ctx);
+    Project p = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    ctx.run_active = true;
+    Network net;
+    double err = 0.0;
+    Hydr_UpdateProperties(ctx, p, 1, 1);
+    Hydr_Solve(ctx, p, net, err, 1, 1);
+    for (auto _ : state) {
+        err = 0.0;
+        Hydr_UpdateProperties(ctx, p, 2, 1);
+        benchmark::DoNotOptimize(Hydr_Solve(ctx, p, net, err, 1, 2));
+    }
+    state.counters["lines"] = count(p.lines);
+    state.counters["unknowns"] = net.NumVars;
+    state.counters["U_entries"] = static_cast<double>(net.work.IU.empty() ? 0 : net.work.IU[static_cast<std::size_t>(net.NumVars) + 1] - 1);
+}
+
+void BM_RunToConvergence(benchmark::State& state) {
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    configure(ctx);
+    const Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    int iterations = 0;
+    bool converged = false;
+    for (auto _ : state) {
+        Project p = start;
+        const RunResult r = Hydr_Sim(ctx, p);
+        iterations = r.cases.empty() ? 0 : r.cases.back().iterations;
+        converged = r.all_converged();
+    }
+    state.counters["lines"] = count(start.lines);
+    state.counters["iterations"] = iterations;
+    state.counters["converged"] = converged;
+}
+
+// About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions).
+BENCHMARK(BM_HydrSolve)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RunToConvergence)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
+}  // namespace velm

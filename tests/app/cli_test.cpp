@@ -1,0 +1,104 @@
+// The velm command as a user meets it: exit statuses, messages, and nothing
+// written when the input is bad.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace velm {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int status;
+    std::string out;
+};
+
+// Runs velm with the arguments, standard output and error together.
+Outcome velm(const std::string& args, const fs::path& dir) {
+    const fs::path out = dir / "console.txt";
+    const std::string cmd = std::string("cd '") + dir.string() + "' && '" + VELM_EXE + "' " + args + " > '" +
+                            out.string() + "' 2>&1";
+    const int raw = std::system(cmd.c_str());
+    std::ifstream in(out);
+    std::ostringstream s;
+    s << in.rdbuf();
+    fs::remove(out);
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, s.str()};
+}
+
+fs::path fresh_dir(const std::string& name) {
+    const fs::path dir = fs::temp_directory_path() / ("velm_cli_" + name);
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    return dir;
+}
+
+void write(const fs::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+const std::string kExample = std::string(VELM_SOURCE_DIR) + "/examples/gravity_transfer.vdf";
+
+TEST(CliBadInput, UnreadableProjectsExitTwoAndWriteNothing) {
+    std::ifstream ex(kExample, std::ios::binary);
+    const std::string good((std::istreambuf_iterator<char>(ex)), std::istreambuf_iterator<char>());
+    struct Row {
+        const char* what;
+        std::string bytes;  // empty name: no file at all
+        const char* says;
+    };
+    const Row rows[] = {
+        {"missing file", "", "Error - File does not exist !"},
+        {"empty file", std::string(), "Error reading file = 62"},
+        {"truncated file", good.substr(0, good.size() / 2 - 7), "Error reading file = 62"},
+        {"wrong version tag", "\"VELM_9.1\"\r\n" + good.substr(good.find('\n') + 1), "Cannot read VELM version 9.1"},
+        {"unknown section", good + "\"\\PIPES\",1,\"LEN\",10\r\n", "Equipment type not recognized"},
+        {"index out of range", good + "\"\\PIPE\",7,\"LEN\",10,\"m\"\r\n", "exceeds maximum/minimum. Input = 7 vs 1"},
+        {"non-numeric value", good + "\"\\PIPE\",1,\"LEN\",ten,\"m\"\r\n", "Type mismatch"},
+        {"binary file", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), "Error - Invalid VELM data file !"},
+    };
+    for (const Row& r : rows) {
+        const fs::path dir = fresh_dir("bad");
+        const bool exists = std::string(r.what) != "missing file";
+        if (exists) write(dir / "p.vdf", r.bytes);
+        const Outcome o = velm("run p.vdf --out results --save saved.vdf", dir);
+        EXPECT_EQ(o.status, 2) << r.what << "\n" << o.out;
+        EXPECT_NE(o.out.find(r.says), std::string::npos) << r.what << "\n" << o.out;
+        EXPECT_FALSE(fs::exists(dir / "results")) << r.what;
+        EXPECT_FALSE(fs::exists(dir / "saved.vdf")) << r.what;
+        EXPECT_EQ(velm("check p.vdf", dir).status, 2) << r.what;
+    }
+    const fs::path dir = fresh_dir("usage");
+    EXPECT_EQ(velm("run", dir).status, 2);
+    EXPECT_EQ(velm("frobnicate", dir).status, 2);
+    EXPECT_EQ(velm("run x.vdf --save a.vdf --in-place", dir).status, 2);
+}
+
+TEST(Cli, RunSavesResultsThatAResumedRunConfirms) {
+    const fs::path dir = fresh_dir("run");
+    const Outcome first = velm("run '" + kExample + "' --out out --save solved.vdf", dir);
+    ASSERT_EQ(first.status, 0) << first.out;
+    EXPECT_NE(first.out.find("Runlog - Case 1 solution reached after"), std::string::npos);
+    EXPECT_NE(first.out.find("L-101"), std::string::npos);
+    EXPECT_TRUE(fs::exists(dir / "out" / "runlog.txt"));
+    EXPECT_TRUE(fs::exists(dir / "solved.vdf"));
+    const Outcome again = velm("run solved.vdf --out out --resume --in-place", dir);
+    ASSERT_EQ(again.status, 0) << again.out;
+    EXPECT_NE(again.out.find("solution reached after 2 iterations."), std::string::npos) << again.out;
+}
+
+TEST(Cli, NewThenCheckReportsTheEmptyNetwork) {
+    const fs::path dir = fresh_dir("new");
+    ASSERT_EQ(velm("new a.vdf", dir).status, 0);
+    const Outcome o = velm("check a.vdf", dir);
+    EXPECT_EQ(o.status, 1);
+    EXPECT_NE(o.out.find("Error! No equipment."), std::string::npos);
+    EXPECT_EQ(velm("run a.vdf --mode hmb", dir).status, 2);
+}
+
+}  // namespace
+}  // namespace velm
