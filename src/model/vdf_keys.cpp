@@ -133,8 +133,41 @@ void skip_line(ReadState& st, R&) {
 }
 
 // ---------------------------------------------------------------------------
-// Sections of records.
+// The keys of one record kind, found by name, read and written.
 
+template <class R>
+class KeyTable {
+public:
+    explicit KeyTable(std::vector<KeyDef<R>> keys) : keys_(std::move(keys)) {}
+    bool knows(std::string_view key) const { return find(key) != nullptr; }
+    void read(ReadState& st, R& rec, std::string_view key) const {
+        const KeyDef<R>* k = find(key);
+        if (k->read) k->read(st, rec);
+        else read_slots(st, k->slots, rec);
+    }
+    void write(LineWriter& lw, const R& rec) const {
+        for (const KeyDef<R>& k : keys_) {
+            if (!k.written) continue;
+            if (k.write) {
+                k.write(lw, rec);
+                continue;
+            }
+            lw.begin(k.key);
+            write_slots(lw, k.slots, rec);
+            lw.w.end_line();
+        }
+    }
+
+private:
+    const KeyDef<R>* find(std::string_view key) const {
+        for (const auto& k : keys_)
+            if (key == k.key) return &k;
+        return nullptr;
+    }
+    std::vector<KeyDef<R>> keys_;
+};
+
+// Sections of records.
 template <class R>
 class RecordSection : public SectionIO {
 public:
@@ -152,12 +185,9 @@ public:
         if (grow_ == Grow::CopyTemplate)
             for (std::size_t i = 1; i < v.size(); ++i) v[i] = v[0];
     }
-    bool knows(std::string_view key) const override { return find(key) != nullptr; }
+    bool knows(std::string_view key) const override { return keys_.knows(key); }
     void read_key(ReadState& st, Project& p, int index, std::string_view key) const override {
-        const KeyDef<R>* k = find(key);
-        R& rec = (p.*vec_)[static_cast<std::size_t>(index)];
-        if (k->read) k->read(st, rec);
-        else read_slots(st, k->slots, rec);
+        keys_.read(st, (p.*vec_)[static_cast<std::size_t>(index)], key);
     }
     void write(ItemWriter& w, RunContext& ctx, const Project& p) const override {
         const auto& v = p.*vec_;
@@ -168,28 +198,14 @@ public:
         w.end_line();
         for (std::size_t i = static_cast<std::size_t>(first_written_); i < v.size(); ++i) {
             LineWriter lw{w, ctx, name_, static_cast<int>(i)};
-            for (const KeyDef<R>& k : keys_) {
-                if (!k.written) continue;
-                if (k.write) {
-                    k.write(lw, v[i]);
-                    continue;
-                }
-                lw.begin(k.key);
-                write_slots(lw, k.slots, v[i]);
-                w.end_line();
-            }
+            keys_.write(lw, v[i]);
         }
     }
 
 private:
-    const KeyDef<R>* find(std::string_view key) const {
-        for (const auto& k : keys_)
-            if (key == k.key) return &k;
-        return nullptr;
-    }
     const char* name_;
     std::vector<R> Project::*vec_;
-    std::vector<KeyDef<R>> keys_;
+    KeyTable<R> keys_;
     Grow grow_;
     int first_written_;
 };
@@ -197,35 +213,20 @@ private:
 // The header: one record, index 0.
 class HeaderSection : public SectionIO {
 public:
-    using R = Header;
-    explicit HeaderSection(std::vector<KeyDef<R>> keys) : keys_(std::move(keys)) {}
+    explicit HeaderSection(std::vector<KeyDef<Header>> keys) : keys_(std::move(keys)) {}
     std::string_view name() const override { return "\\GEN"; }
     bool is_record_section() const override { return false; }
     int count(const Project&) const override { return 0; }
     void set_count(Project&, int) const override {}
-    bool knows(std::string_view key) const override { return find(key) != nullptr; }
-    void read_key(ReadState& st, Project& p, int, std::string_view key) const override {
-        const KeyDef<R>* k = find(key);
-        if (k->read) k->read(st, p.gen);
-        else read_slots(st, k->slots, p.gen);
-    }
+    bool knows(std::string_view key) const override { return keys_.knows(key); }
+    void read_key(ReadState& st, Project& p, int, std::string_view key) const override { keys_.read(st, p.gen, key); }
     void write(ItemWriter& w, RunContext& ctx, const Project& p) const override {
         LineWriter lw{w, ctx, "\\GEN", 0};
-        for (const KeyDef<R>& k : keys_) {
-            if (!k.written) continue;
-            lw.begin(k.key);
-            write_slots(lw, k.slots, p.gen);
-            w.end_line();
-        }
+        keys_.write(lw, p.gen);
     }
 
 private:
-    const KeyDef<R>* find(std::string_view key) const {
-        for (const auto& k : keys_)
-            if (key == k.key) return &k;
-        return nullptr;
-    }
-    std::vector<KeyDef<R>> keys_;
+    KeyTable<Header> keys_;
 };
 
 // The calculators' last state: each key's items kept as the file held them.

@@ -282,36 +282,33 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         rows.add(1.0, col);
         rows.rhs(value);
     };
-    for (int i = 1; i <= count(p.feeds); ++i) {
-        Feed& f = p.feeds[i];
-        const int line = f.NOZ.CON;
-        if (is_specified(f.PRES.spec, case_no)) fixed(Columns::first(c.feed, i), spec_value(f.PRES.spec, case_no));
-        if (!is_specified(f.DP.spec, case_no)) continue;
-        if (f.CHOKE && is_line(p, line)) {
-            fixed(Columns::second(c.feed, i), pipe_choke_pressure(ctx, p.gen, p.lines[line]));
-            continue;
+    // The drop between a boundary and its line, first column minus second
+    // (source minus pipe inlet at a feed, pipe outlet minus sink at a product);
+    // when choked, the pressure at the line end is the choke pressure instead.
+    auto boundary_dp = [&](Boundary& b, int first, int second, int line_end) {
+        const int line = b.NOZ.CON;
+        if (b.CHOKE && is_line(p, line)) {
+            fixed(line_end, pipe_choke_pressure(ctx, p.gen, p.lines[line]));
+            return;
         }
         rows.begin();
-        rows.add(1.0, Columns::first(c.feed, i));
-        rows.add(-1.0, Columns::second(c.feed, i));
-        if (is_line(p, line)) rows.add(-f.NOZ.KFlow, lb + line);
-        rows.rhs(spec_value(f.DP.spec, case_no) + f.NOZ.dPLevel);
+        rows.add(1.0, first);
+        rows.add(-1.0, second);
+        if (is_line(p, line)) rows.add(-b.NOZ.KFlow, lb + line);
+        rows.rhs(spec_value(b.DP.spec, case_no) + b.NOZ.dPLevel);
+    };
+    for (int i = 1; i <= count(p.feeds); ++i) {
+        Feed& f = p.feeds[i];
+        const int source = Columns::first(c.feed, i), pipe_inlet = Columns::second(c.feed, i);
+        if (is_specified(f.PRES.spec, case_no)) fixed(source, spec_value(f.PRES.spec, case_no));
+        if (is_specified(f.DP.spec, case_no)) boundary_dp(f, source, pipe_inlet, pipe_inlet);
     }
     for (int i = 1; i <= count(p.prods); ++i) {
         Prod& d = p.prods[i];
-        const int line = d.NOZ.CON;
-        if (is_specified(d.PRES.spec, case_no)) fixed(Columns::second(c.prod, i), spec_value(d.PRES.spec, case_no));
-        if (is_specified(d.PIN.spec, case_no)) fixed(Columns::first(c.prod, i), spec_value(d.PIN.spec, case_no));
-        if (!is_specified(d.DP.spec, case_no)) continue;
-        if (d.CHOKE && is_line(p, line)) {
-            fixed(Columns::first(c.prod, i), pipe_choke_pressure(ctx, p.gen, p.lines[line]));
-            continue;
-        }
-        rows.begin();
-        rows.add(1.0, Columns::first(c.prod, i));
-        rows.add(-1.0, Columns::second(c.prod, i));
-        if (is_line(p, line)) rows.add(-d.NOZ.KFlow, lb + line);
-        rows.rhs(spec_value(d.DP.spec, case_no) + d.NOZ.dPLevel);
+        const int pipe_outlet = Columns::first(c.prod, i), sink = Columns::second(c.prod, i);
+        if (is_specified(d.PRES.spec, case_no)) fixed(sink, spec_value(d.PRES.spec, case_no));
+        if (is_specified(d.PIN.spec, case_no)) fixed(pipe_outlet, spec_value(d.PIN.spec, case_no));
+        if (is_specified(d.DP.spec, case_no)) boundary_dp(d, pipe_outlet, sink, pipe_outlet);
     }
     for (int i = 1; i <= count(p.juncs); ++i)
         if (is_specified(p.juncs[i].PRES.spec, case_no))

@@ -40,12 +40,11 @@ struct Writeback {
     }
 
     template <class R>
-    void two_pressures(std::vector<R>& v, int base, const char* word, double damping) {
+    void two_pressures(std::vector<R>& v, int base, double damping) {
         for (int i = 1; i <= count(v); ++i) {
             take(v[i].PIN.value, at(Columns::first(base, i)), err, damping);
             take(v[i].POUT.value, at(Columns::second(base, i)), err, damping);
         }
-        (void)word;
     }
 
     template <class R>
@@ -84,14 +83,14 @@ void take_pressures(Writeback& wb, const Columns& c) {
         take(p.prods[i].PRES.value, wb.at(Columns::second(c.prod, i)), wb.err);
     }
     // Pump and compressor pressures are the only damped ones.
-    wb.two_pressures(p.valves, c.valve, "Valve ", 1.0);
-    wb.two_pressures(p.checks, c.check, "Check ", 1.0);
-    wb.two_pressures(p.pumps, c.pump, "Pump ", p.gen.MHDAMP);
-    wb.two_pressures(p.comps, c.comp, "Compressor ", p.gen.MHDAMP);
-    wb.two_pressures(p.hxs, c.hx, "Exchanger ", 1.0);
-    wb.two_pressures(p.fos, c.fo, "Orifice ", 1.0);
-    wb.two_pressures(p.miscs, c.misc, "Misc ", 1.0);
-    wb.two_pressures(p.expands, c.expand, "Expander ", 1.0);
+    wb.two_pressures(p.valves, c.valve, 1.0);
+    wb.two_pressures(p.checks, c.check, 1.0);
+    wb.two_pressures(p.pumps, c.pump, p.gen.MHDAMP);
+    wb.two_pressures(p.comps, c.comp, p.gen.MHDAMP);
+    wb.two_pressures(p.hxs, c.hx, 1.0);
+    wb.two_pressures(p.fos, c.fo, 1.0);
+    wb.two_pressures(p.miscs, c.misc, 1.0);
+    wb.two_pressures(p.expands, c.expand, 1.0);
     for (int i = 1; i <= count(p.tees); ++i)
         for (int j = 1; j <= 3; ++j) take(p.tees[i].PRES[static_cast<std::size_t>(j)], wb.at(c.tee + 3 * (i - 1) + j), wb.err);
     for (int i = 1; i <= count(p.juncs); ++i) take(p.juncs[i].PRES.value, wb.at(c.junc + i), wb.err);
@@ -145,8 +144,7 @@ void floor_pressures(Writeback& wb) {
 
 // Pressures of the equipment into the ends of their lines.
 template <class R>
-void push_two_port(Project& p, std::vector<R>& v, bool rise, int R::*in_unused = nullptr) {
-    (void)in_unused;
+void push_two_port(Project& p, std::vector<R>& v, bool rise) {
     for (int i = 1; i <= count(v); ++i) {
         R& e = v[i];
         e.DP.value = rise ? e.POUT.value - e.PIN.value : e.PIN.value - e.POUT.value;
@@ -188,21 +186,23 @@ void push_vessel(Writeback& wb, int i) {
 
 void push_pressures(Writeback& wb) {
     Project& p = wb.p;
+    // A boundary's drop beyond its static head and nozzle loss, and the
+    // pressure at its line end.
+    auto boundary = [&](Boundary& b, double high, double low, double pipe_end, std::size_t end) {
+        if (!is_line(p, b.NOZ.CON)) return;
+        Line& line = p.lines[b.NOZ.CON];
+        const double W = line.TFLOW.value;
+        b.NOZ.dPFlow = b.NOZ.KFlow * W * std::fabs(W);
+        b.DP.value = high - low - b.NOZ.dPLevel - b.NOZ.dPFlow;
+        line.PRES[end] = pipe_end;
+    };
     for (int i = 1; i <= count(p.feeds); ++i) {
         Feed& f = p.feeds[i];
-        if (!is_line(p, f.NOZ.CON)) continue;
-        const double W = p.lines[f.NOZ.CON].TFLOW.value;
-        f.NOZ.dPFlow = f.NOZ.KFlow * W * std::fabs(W);
-        f.DP.value = f.PRES.value - f.POUT.value - f.NOZ.dPLevel - f.NOZ.dPFlow;
-        p.lines[f.NOZ.CON].PRES[1] = f.POUT.value;
+        boundary(f, f.PRES.value, f.POUT.value, f.POUT.value, 1);
     }
     for (int i = 1; i <= count(p.prods); ++i) {
         Prod& d = p.prods[i];
-        if (!is_line(p, d.NOZ.CON)) continue;
-        const double W = p.lines[d.NOZ.CON].TFLOW.value;
-        d.NOZ.dPFlow = d.NOZ.KFlow * W * std::fabs(W);
-        d.DP.value = d.PIN.value - d.PRES.value - d.NOZ.dPLevel - d.NOZ.dPFlow;
-        p.lines[d.NOZ.CON].PRES[2] = d.PIN.value;
+        boundary(d, d.PIN.value, d.PRES.value, d.PIN.value, 2);
     }
     push_two_port(p, p.valves, false);
     push_two_port(p, p.checks, false);
