@@ -37,6 +37,16 @@ int cli_main(int argc, char** argv) {
     auto* new_cmd = app.add_subcommand("new", "Write a new project with the defaults");
     new_cmd->add_option("file", new_file, "Project file to write (.vdf)")->required();
 
+    ReadOptions size;
+    std::string size_action, size_project, size_save;
+    auto* size_cmd = app.add_subcommand("size", "Clear the nominal sizes of all lines, or set them to the calculated sizes");
+    size_cmd->add_option("action", size_action, "clear: size every line in the next run; set: keep the calculated sizes")
+        ->required()
+        ->check(CLI::IsMember({"clear", "set"}));
+    size_cmd->add_option("project", size_project, "Project file (.vdf)")->required();
+    size_cmd->add_flag("--yes", size.yes, "Answer Yes to the question that confirms the change");
+    size_cmd->add_option("--save", size_save, "Write the changed project to this file instead of the project");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {
@@ -50,6 +60,7 @@ int cli_main(int argc, char** argv) {
     try {
         if (*run_cmd) return command_run(run);
         if (*check_cmd) return command_check(check_project, check);
+        if (*size_cmd) return command_size(size_action == "set", size_project, size_save, size);
         return command_new(new_file);
     } catch (const std::exception& e) {
         std::cerr << "velm: " << e.what() << "\n";

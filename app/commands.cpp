@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "correlations/sizing.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/pipe_table.hpp"
@@ -30,6 +31,7 @@ public:
         // reading a file with many faulty lines stops.
         int answer = 0;
         if (question.rfind("Was this older file", 0) == 0) answer = opt_.european ? 0 : 1;
+        if (question.find("pipe diameters") != std::string::npos) answer = opt_.yes ? 0 : 1;
         std::cerr << question << " " << (answer < static_cast<int>(choices.size()) ? choices[answer] : "") << "\n";
         return answer;
     }
@@ -174,6 +176,21 @@ int command_new(const std::string& file) {
     Project p;
     if (!start_project(ctx, p)) return 2;
     return save_project(ctx, p, file);
+}
+
+int command_size(bool set, const std::string& project, const std::string& save, const ReadOptions& opt) {
+    ConsoleInteraction ui(opt);
+    RunContext ctx(ui);
+    Project p;
+    if (!load_project(ctx, p, project)) return 2;
+    const char* question = set ? "Set all pipe diameters to current calculated sizes ?"
+                               : "Clear all pipe diameters to size them in the next run ?";
+    if (ui.ask(question, {"Yes", "No"}) != 0) {
+        std::cout << "Nothing changed (answer the question with --yes).\n";
+        return 0;
+    }
+    pipe_set_dia(p, set);
+    return save_project(ctx, p, save.empty() ? project : save);
 }
 
 }  // namespace velm

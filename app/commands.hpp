@@ -7,8 +7,10 @@
 
 namespace velm {
 
+// Answers to the program's questions, from the command's flags.
 struct ReadOptions {
-    bool european = false;  // answer of the decimal-comma question for old files
+    bool european = false;  // the decimal-comma question for old files
+    bool yes = false;       // questions that confirm a change of the project
 };
 
 struct RunOptions {
@@ -24,5 +26,9 @@ struct RunOptions {
 int command_run(const RunOptions& opt);
 int command_check(const std::string& project, const ReadOptions& opt);
 int command_new(const std::string& file);
+// Empties every line's nominal size (set = false) so the next run sizes the
+// lines, or takes the sizes of the last run as given (set = true); writes the
+// project back, or to save when given.
+int command_size(bool set, const std::string& project, const std::string& save, const ReadOptions& opt);
 
 }  // namespace velm

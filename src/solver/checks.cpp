@@ -195,8 +195,6 @@ void check_supported(Project& p, std::string& msg) {
                 msg = "Error! Line " + name + " is two-phase; two-phase lines are not solved by this build yet.";
                 break;
             }
-        if (msg.empty() && (l.SCH == "ID" ? trim(l.ID.spec).empty() : trim(l.DIA[1]).empty()))
-            msg = "Error! Line " + name + " has no diameter; line sizing is not available in this build yet.";
         if (msg.empty() && uses_equation(p, l.TFLOW.spec))
             msg = "Error! Line " + name + " flow uses a user equation; user equations are not available in this build yet.";
         if (!msg.empty()) {

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "correlations/pipe.hpp"
+#include "correlations/sizing.hpp"
 #include "correlations/tee_expander.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
@@ -89,18 +90,41 @@ void conductivity(RunContext& ctx, Line& l) {
     l.TOTCON[3] = 1.0 / std::sqrt(std::fabs(sum));
 }
 
-// Inside diameter from the entered diameter or from the nominal size and schedule.
+// The size a line being sized starts from: the first size its material offers.
+std::string start_size(const Project& p, const Line& l) {
+    if (l.pipe_index >= 1 && l.pipe_index < static_cast<int>(p.pipedata.size()))
+        if (const std::string& s = p.pipedata[static_cast<std::size_t>(l.pipe_index)].IDIA[1]; !trim(s).empty()) return s;
+    return p.lines[0].DIA[1];
+}
+
+// Inside diameter: entered directly (schedule "ID"), from the nominal size and
+// schedule, or, when neither is given, sized for the line's limits.
 void diameter(RunContext& ctx, Project& p, Line& l, int iter) {
+    const bool first = iter == 1 && !ctx.resume_run;
     if (l.SCH == "ID") {
-        if (iter == 1) {
+        if (trim(l.ID.spec).empty()) {
+            l.ID.value = (first || l.ID.value == 0.0) ? 1.0 : std::min(ID_from_Flow(ctx, p, l), 10.0);
+            l.IDH.value = l.ID.value;
+        } else if (iter == 1) {
             l.ID.value = val_or_zero(l.ID.spec);
             l.IDH.value = trim(l.IDH.spec).empty() ? l.ID.value : val_or_zero(l.IDH.spec);
         }
         l.ODF[2] = 1.1 * l.ID.value;
         return;
     }
-    if (iter != 1) return;
-    l.DIA[2] = l.DIA[1];
+    if (!trim(l.DIA[1]).empty()) {
+        if (iter != 1) return;
+        l.DIA[2] = l.DIA[1];
+    } else if (first || trim(l.DIA[2]).empty()) {
+        l.DIA[2] = start_size(p, l);
+    } else {
+        // Round the sized diameter to a table size: down under "Min", up otherwise.
+        const double D = ID_from_Flow(ctx, p, l);
+        const std::string sch = pipe_Sched_from_ID(ctx, p.pipedata, l.MAT, D);
+        const std::string size =
+            pipe_Dia_from_ID(ctx, p.pipedata, l.MAT, D, sch, "m", l.SIZ1 == "Min" ? "Smaller" : "Larger", true);
+        if (!size.empty()) l.DIA[2] = size;
+    }
     const double id = pipe_ID_from_dia(ctx, p.pipedata, "ID", l.MAT, l.DIA[2], l.SCH, "m");
     const double od = pipe_ID_from_dia(ctx, p.pipedata, "OD", l.MAT, l.DIA[2], l.SCH, "m");
     if (id != 0.0) l.ID.value = id;

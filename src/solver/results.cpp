@@ -1,6 +1,7 @@
 #include "solver/results.hpp"
 
 #include "correlations/pipe.hpp"
+#include "correlations/sizing.hpp"
 #include "model/context.hpp"
 #include "model/fault.hpp"
 
@@ -16,6 +17,7 @@ void HydrResulFinalSub(RunContext& ctx, Project& p, int) {
             // Equivalent length of the fittings at the flowing friction factor.
             const double k_fittings = pipe_K(ctx, l.IDH.value, 0.0, l.FITLD, l.FITK, l.F[1], l.F[2]);
             l.EQLEN = l.F[1] > 0.0 ? k_fittings * l.IDH.value / l.F[1] : 0.0;
+            pipe_size_neighbours(ctx, p, l);
         }
     } catch (const Fault& f) {
         ctx.log_error("Error! In HydrResulFinalSub = " + fault_text(f));

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "correlations/pipe.hpp"
+#include "correlations/sizing.hpp"
 #include "model/context.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
@@ -281,6 +282,50 @@ TEST(Network, KindsNotYetSolvedAreRefusedNotSolvedWrongly) {
     const RunResult r = s.run();
     EXPECT_EQ(r.message, "Error! Line L2 is two-phase; two-phase lines are not solved by this build yet.");
     EXPECT_TRUE(r.cases.empty());
+}
+
+}  // namespace
+}  // namespace velm
+
+namespace velm {
+namespace {
+
+TEST(Sizing, ALineSizedForAGradientEndsAtTheSmallestSizeWithinIt) {
+    for (double flow : {20.0, 50.0, 180.0}) {
+        Session s("sizing");
+        simple_network(s.p, 1);
+        Line& l = s.p.lines[1];
+        l.DIA[1] = "";
+        l.SIZ[4] = l.SIZ[6] = 0.0;  // the gradient limit alone
+        l.SIZ[2] = 22.6;
+        l.TFLOW.spec = std::to_string(flow);
+        s.p.feeds[1].PRES.spec = "500";
+        s.p.prods[1].PRES.spec = "";
+        s.ctx.max_iter = 50;
+        const RunResult r = s.run();
+        ASSERT_TRUE(r.all_converged()) << flow << " " << r.title;
+        EXPECT_LE(l.DPL, 22.6) << flow << " t/h in " << l.DIA[2];
+        EXPECT_FALSE(l.SizeDown.empty()) << flow;
+        EXPECT_GT(l.dPDown, 22.6) << flow << " t/h: " << l.SizeDown << " would do";
+        EXPECT_FALSE(l.SizeUp.empty()) << flow;
+        EXPECT_LT(l.dPUp, l.DPL) << flow;
+    }
+}
+
+TEST(Sizing, DiameterLimitsAreClampedWithTheirMessages) {
+    Session s("sizing_limits");
+    s.ctx.run_active = true;
+    simple_network(s.p, 1);
+    Line& l = s.p.lines[1];
+    l.TPROP[3] = 1000.0;
+    l.TFLOW.value = 10.0;
+    l.SIZ = {};
+    l.SIZ1 = "";
+    EXPECT_EQ(ID_from_Flow(s.ctx, s.p, l), 0.001);
+    l.SIZ1 = "Min";
+    EXPECT_EQ(ID_from_Flow(s.ctx, s.p, l), 10.0);
+    EXPECT_EQ(s.ctx.run_log_text,
+              "\r\nLine size below minimum. Review input. Use 1 mm min.\r\nLine size out of range. Review input. Use 10 m max.");
 }
 
 }  // namespace
