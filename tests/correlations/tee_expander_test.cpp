@@ -8,6 +8,7 @@
 
 #include "correlations/pipe.hpp"
 #include "model/context.hpp"
+#include "tests/run_log.hpp"
 
 namespace velm {
 namespace {
@@ -42,15 +43,7 @@ protected:
         return 0.5 * rho * v * v / 1000.0;
     }
 
-    std::vector<std::string> messages() {
-        std::vector<std::string> out;
-        for (std::size_t at = 0; (at = ctx.run_log_text.find("\r\n", at)) != std::string::npos;) {
-            at += 2;
-            out.push_back(ctx.run_log_text.substr(at, ctx.run_log_text.find("\r\n", at) - at));
-        }
-        ctx.run_log_text.clear();
-        return out;
-    }
+    std::vector<std::string> messages() { return take_run_log(ctx); }
 
     RecordingInteraction ui;
     RunContext ctx{ui};

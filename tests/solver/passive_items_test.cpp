@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/context.hpp"
+#include "tests/run_log.hpp"
 
 namespace velm {
 namespace {
@@ -91,12 +92,7 @@ TEST_F(PassiveItems, WarningsInExactWords) {
     t.M[2] = 3;
     warn_tee(ctx, p, t);
 
-    std::vector<std::string> told;
-    for (std::size_t at = 0; (at = ctx.run_log_text.find("\r\n", at)) != std::string::npos;) {
-        at += 2;
-        told.push_back(ctx.run_log_text.substr(at, ctx.run_log_text.find("\r\n", at) - at));
-    }
-    EXPECT_EQ(told, (std::vector<std::string>{
+    EXPECT_EQ(take_run_log(ctx), (std::vector<std::string>{
                         "Warning! Check valve CK1 has negative dP in direction of flow.",
                         "Warning! Check valve CK1 inlet and outlet pipe IDs differ.",
                         "Warning! Exchanger E1 has negative dP in direction of flow.",
