@@ -29,7 +29,8 @@ struct FittingSums {
 // Hooper's two-K coefficient of one fitting: K = K1 / Re + Kinf * (1 + Kd / Din).
 // Re the pipe's Reynolds number (> 0), Din the inside diameter in inches (> 0),
 // K1, Kinf dimensionless, Kd in inches (1 in Hooper's paper; 0 removes the size
-// term, as for entrances and exits). Valid for Re from about 10 to 1e7.
+// term, as for entrances and exits). One form from laminar to fully turbulent
+// flow: K1 / Re carries the laminar end, Kinf the turbulent one.
 double fitting_K_2K(double K1, double Kinf, double Kd, double Re, double Din);
 
 // Crane sums: LD = sum of count * L/D, K = sum of count * K.

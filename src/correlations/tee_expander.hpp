@@ -75,8 +75,9 @@ double Misc_rating_W2(RunContext& ctx, const Project& p, const NozzleItem& m, in
 // the ports (kPa). TYPE: 1 and 2 combining, -3 and -4 dividing.
 //   TYPE 1: K main = 1.55 qB - qB^2 + qB (1 - aB)^2 (at equal bores the Crane
 //     TP-410 run of a converging 90 degree tee, after Idelchik);
-//     K branch = (0.55 + 0.45 / (1 + 16 aB^4)) (1 + (qB/aB)^2 - (2/aM) qM^2)
-//     (Idelchik's converging branch form).
+//     K branch = (0.55 + 0.45 / (1 + 16 aB^4)) (1 + (qB/aB)^2 - (2/aM) qM^2),
+//     the bracket being Idelchik's converging-branch momentum form with
+//     qM = 1 - qB, the factor before it a fit on the branch area.
 //   TYPE 2: K = 0.55 (1 + 1/a^2 + 3/a^2 (q^2 - q)) for each leg.
 //   TYPE -3: K main = 0.65 qB (qB - 0.4), plus 0.5 qB e^(-0.16 SPAC) when the
 //     next disturbance is 0 < SPAC <= 30 diameters away;
