@@ -272,8 +272,8 @@ struct Tee : Drawn {
     std::array<double, 4> PRES{}, DPP{};
     Pair KCM, KCB;
     double SPAC = 0.0;
-    std::array<int, 3> C{}, M{}, B{};        // [1],[2] per side (combined, main, branch): two working flags
-    double C3 = 0.0, M3 = 0.0, B3 = 0.0;     // C[3], M[3], B[3]: density of each side, kg/m3
+    std::array<int, 3> C{}, M{}, B{};        // legs combined, main, branch: [1] port number, [2] line on it
+    double C3 = 0.0, M3 = 0.0, B3 = 0.0;     // C[3] density at the tee, kg/m3; M[3], B[3] flow ratios to the combined leg
 };
 
 struct Vessel : Drawn {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "correlations/fittings.hpp"
 #include "correlations/pipe.hpp"
 #include "correlations/sizing.hpp"
 #include "correlations/tee_expander.hpp"
@@ -132,28 +133,6 @@ void diameter(RunContext& ctx, Project& p, Line& l, int iter) {
     l.IDH.value = l.ID.value;
 }
 
-// Fittings: with the 2K method K = K1/Re + Kinf (1 + K3/D[in]); otherwise the
-// sums of the L/D and K of the table.
-void fittings(RunContext& ctx, const Header& g, Line& l) {
-    l.FITK = 0.0;
-    l.FITLD = 0.0;
-    if (g.MFIT == "2K") {
-        const double re = Re(ctx, l.TFLOW.value, l.ID.value, l.IDH.value, l.TPROP[6]);
-        const double d_in = l.ID.value * 1000.0 / 25.4;
-        if (re == 0.0 || d_in == 0.0) return;
-        for (int n = 1; n <= kFittings; ++n) {
-            const Fitting& f = l.FIT[static_cast<std::size_t>(n)];
-            l.FITK += f.count * (f.K1 / re + f.Kinf * (1.0 + f.K3 / d_in));
-        }
-        return;
-    }
-    for (int n = 1; n <= kFittings; ++n) {
-        const Fitting& f = l.FIT[static_cast<std::size_t>(n)];
-        l.FITLD += f.count * f.LD;
-        l.FITK += f.count * f.K;
-    }
-}
-
 void update_line(RunContext& ctx, Project& p, Line& l, int iter) {
     copy_from_reference(p, l);
     averages(l);
@@ -165,7 +144,7 @@ void update_line(RunContext& ctx, Project& p, Line& l, int iter) {
     l.VEL[1] = velocity(ctx, l.TFLOW.value, l.TPROP[1], l.ID.value);
     l.VEL[2] = velocity(ctx, l.TFLOW.value, l.TPROP[2], l.ID.value);
     l.VEL[4] = pipe_sonic_velocity(ctx, p.gen.MSONIC, l);
-    fittings(ctx, p.gen, l);
+    line_fittings(ctx, p.gen, l);
 }
 
 }  // namespace

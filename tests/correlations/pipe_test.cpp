@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/run_log.hpp"
+
 namespace velm {
 namespace {
 
@@ -70,15 +72,7 @@ protected:
     double W2(Line& l) { return PipeDP(ctx, gen, l, l.ID.value, l.IDH.value, "W2"); }
 
     // The messages logged since the last call, in order.
-    std::vector<std::string> messages() {
-        std::vector<std::string> out;
-        for (std::size_t at = 0; (at = ctx.run_log_text.find("\r\n", at)) != std::string::npos;) {
-            at += 2;
-            out.push_back(ctx.run_log_text.substr(at, ctx.run_log_text.find("\r\n", at) - at));
-        }
-        ctx.run_log_text.clear();
-        return out;
-    }
+    std::vector<std::string> messages() { return take_run_log(ctx); }
 
     RecordingInteraction ui;
     RunContext ctx{ui};
