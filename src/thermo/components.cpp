@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <initializer_list>
 #include <optional>
 
 #include "model/embedded.hpp"
@@ -398,6 +399,10 @@ constexpr double kTVisc2 = 372.04;     // 210 F
 
 float as_float(double v) { return static_cast<float>(v); }
 
+void copy_fields(CompProp& out, const CompProp& in, std::initializer_list<float CompProp::*> fields) {
+    for (float CompProp::*f : fields) out.*f = in.*f;
+}
+
 // Riazi-Daubert form a Tb^b SG^c exp(d Tb + e SG + f Tb SG).
 double riazi_daubert(double tb, double sg, const double (&k)[6]) {
     return k[0] * checked_pow(tb, k[1]) * checked_pow(sg, k[2]) * SafeExp(k[3] * tb + k[4] * sg + k[5] * tb * sg);
@@ -467,8 +472,7 @@ CompProp estimate_pseudo(RunContext& ctx, const CompProp& in) {
             ctx.ui.tell("Error! Normal boiling point < 1. Assume 400 K.");
             out.TBP = 400.0f;
         }
-        out.TFP = in.TFP;
-        out.DIPM = in.DIPM;
+        copy_fields(out, in, {&CompProp::TFP, &CompProp::DIPM});
         const double tb = out.TBP;
         const double sg = out.LDenStd / 999.0;
         const double kw = std::cbrt(1.8 * tb) / sg;  // Watson characterisation factor
@@ -498,18 +502,13 @@ CompProp estimate_pseudo(RunContext& ctx, const CompProp& in) {
                                15.2518 - 15.6875 / tbr - 13.4721 * lntbr + 0.43577 * tbr6);
         });
         if (in.LDen != 0.0f && in.TDen != 0.0f) {
-            out.LDen = in.LDen;
-            out.TDen = in.TDen;
+            copy_fields(out, in, {&CompProp::LDen, &CompProp::TDen});
         } else {
             out.LDen = out.LDenStd;
             out.TDen = as_float(kTStd);
         }
         if (in.CpA != 0.0f && in.CpB != 0.0f) {
-            out.CpA = in.CpA;
-            out.CpB = in.CpB;
-            out.CpC = in.CpC;
-            out.CpD = in.CpD;
-            out.CpE = in.CpE;
+            copy_fields(out, in, {&CompProp::CpA, &CompProp::CpB, &CompProp::CpC, &CompProp::CpD, &CompProp::CpE});
         } else {
             // Lee-Kesler (1976) ideal gas heat capacity, scaled to kJ/kmol/K.
             const double w = out.Acc;
@@ -522,25 +521,17 @@ CompProp estimate_pseudo(RunContext& ctx, const CompProp& in) {
             out.CpE = 0.0f;
         }
         if (in.ViscType != 0.0f && in.ViscA != 0.0f && in.ViscB != 0.0f) {
-            out.ViscType = in.ViscType;
-            out.ViscA = in.ViscA;
-            out.ViscB = in.ViscB;
-            out.ViscC = in.ViscC;
-            out.ViscD = in.ViscD;
+            copy_fields(out, in,
+                        {&CompProp::ViscType, &CompProp::ViscA, &CompProp::ViscB, &CompProp::ViscC, &CompProp::ViscD});
         } else {
             estimate_viscosity(out, tb, kw, out);
         }
         out.HVap = keep(in.HVap, [&] { return 37.32315 * std::pow(tb, 1.14086) * std::pow(sg, 0.00977089); });
-        out.HFor = in.HFor;
-        out.GFor = in.GFor;
+        copy_fields(out, in, {&CompProp::HFor, &CompProp::GFor});
         if (in.AntA != 0.0f && in.AntB != 0.0f) {
-            out.AntA = in.AntA;
-            out.AntB = in.AntB;
-            out.AntC = in.AntC;
-            out.AntD = in.AntD;
-            out.AntE = in.AntE;
-            out.AntTMin = in.AntTMin;
-            out.AntTMax = in.AntTMax;
+            copy_fields(out, in,
+                        {&CompProp::AntA, &CompProp::AntB, &CompProp::AntC, &CompProp::AntD, &CompProp::AntE,
+                         &CompProp::AntTMin, &CompProp::AntTMax});
         } else {
             // Through (Tb, 1 atm) and (Tc, Pc) with C = -43 K.
             const double B = checked_div(checked_log(out.PC) - std::log(101.325),

@@ -357,34 +357,22 @@ int flash_tf(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w
     return fraction_search(ctx, fs, s, w, kTF);
 }
 
-int FlashTP(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
+namespace {
+
+// A public algorithm with a work space of its own.
+template <int (*Run)(RunContext&, const FlashSetup&, FlashStream&, FlashWork&)>
+int with_own_work(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
     FlashWork w;
     prepare_flash_work(setup, w);
-    return flash_tp(ctx, setup, s, w);
+    return Run(ctx, setup, s, w);
 }
 
-int FlashPF(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
-    FlashWork w;
-    prepare_flash_work(setup, w);
-    return flash_pf(ctx, setup, s, w);
-}
+}  // namespace
 
-int FlashTF(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
-    FlashWork w;
-    prepare_flash_work(setup, w);
-    return flash_tf(ctx, setup, s, w);
-}
-
-int FlashPH(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
-    FlashWork w;
-    prepare_flash_work(setup, w);
-    return flash_ph(ctx, setup, s, w);
-}
-
-int FlashPS(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
-    FlashWork w;
-    prepare_flash_work(setup, w);
-    return flash_ps(ctx, setup, s, w);
-}
+int FlashTP(RunContext& ctx, const FlashSetup& setup, FlashStream& s) { return with_own_work<flash_tp>(ctx, setup, s); }
+int FlashPF(RunContext& ctx, const FlashSetup& setup, FlashStream& s) { return with_own_work<flash_pf>(ctx, setup, s); }
+int FlashTF(RunContext& ctx, const FlashSetup& setup, FlashStream& s) { return with_own_work<flash_tf>(ctx, setup, s); }
+int FlashPH(RunContext& ctx, const FlashSetup& setup, FlashStream& s) { return with_own_work<flash_ph>(ctx, setup, s); }
+int FlashPS(RunContext& ctx, const FlashSetup& setup, FlashStream& s) { return with_own_work<flash_ps>(ctx, setup, s); }
 
 }  // namespace velm

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kOmegaA = 0.42747;  // Soave (1972)
 constexpr double kOmegaB = 0.08664;
-constexpr double kPiZ = 3.141592654;  // pi as written in the Z root formula
+constexpr double kPiZ = 3.141592654;  // pi to ten figures, the value used throughout the program
 
 std::size_t comp_count(CompSpan comps) { return comps.empty() ? 0 : comps.size() - 1; }
 

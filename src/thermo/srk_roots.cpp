@@ -11,7 +11,7 @@ namespace velm {
 
 namespace {
 constexpr double kThird = 0.3333333333333333;
-constexpr double kPiCubic = 3.14159265358979;  // pi as written in the cubic's trigonometric form
+constexpr double kPiCubic = 3.14159265358979;  // pi to fifteen figures in the trigonometric form
 }  // namespace
 
 void CubicRoots(const std::array<double, 4>& a, std::array<double, 3>& roots, int& n) {

@@ -297,3 +297,43 @@ TEST(FlashReport, ResultsBlockReadsSo) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+// A project's setup: its methods, library components and the estimated set
+// of its pseudo components, by position.
+TEST(FlashSetup, LoadsMethodsLibraryComponentsAndPseudoComponents) {
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    Project p;
+    p.gen.MFLASH = "VELM";
+    p.gen.MFLASHK = "Antoine";
+    p.gen.MFLASHH = "Ideal";
+    p.gen.MFLASHR = 0;
+    p.gen.MXYDAMP = 0.5;
+    p.gen.COMP[1] = test::kMethane;
+    p.gen.COMP[2] = 9001;
+    p.pseudos.resize(2);
+    p.pseudos[1].NAME_NUM = {0, 9001, 9001};
+    p.pseudos[1].NAME_TEXT[1] = "PSEUDO_1";
+    p.pseudos[1].TBP[1] = 420.0f;
+    p.pseudos[1].DENS[1] = 740.0f;
+    PseudoProps(ctx, p.pseudos);
+    FlashSetup setup;
+    LoadFlashSetup(ctx, p, {}, setup);
+    EXPECT_EQ(setup.MFLASHK, "Antoine");
+    EXPECT_EQ(setup.MFLASHH, "Ideal");
+    EXPECT_FALSE(setup.MFLASHR);
+    EXPECT_EQ(setup.MXYDAMP, 0.5);
+    ASSERT_EQ(setup.count(), 2u);
+    EXPECT_EQ(setup.ids, (std::vector<int>{0, test::kMethane, 9001}));
+    EXPECT_EQ(setup.comps[1].Name, "Methane");
+    EXPECT_EQ(setup.comps[2].Name, "PSEUDO_1");
+    EXPECT_EQ(setup.comps[2].MW, pseudo_half(p.pseudos[1], 2).MW);
+    EXPECT_GT(setup.comps[2].TC, 420.0f);
+    EXPECT_TRUE(ui.told.empty());
+}
+
+}  // namespace
+}  // namespace velm
