@@ -41,7 +41,7 @@ const Algorithm* algorithm_of(int ft) {
     }
 }
 
-// Enthalpy, heat capacities and entropy of the phases present.
+// Enthalpy, heat capacities and entropy of the phases present, in that order.
 void caloric_properties(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w) {
     const CompSpan comps(fs.comps);
     const bool vapour = s.LF < 1.0;
@@ -55,14 +55,14 @@ void caloric_properties(RunContext& ctx, const FlashSetup& fs, FlashStream& s, F
     s.HV = vapour ? h(kVapor, s.T, s.Y) : 0.0;
     s.HL = liquid ? h(kLiquid, s.T, s.X) : 0.0;
     if (s.FT != kFlashPH) s.H = (1.0 - s.LF) * s.HV + s.LF * s.HL;
+    // Heat capacities by a forward difference of 1 K, kJ/kg/K.
+    s.VAPCP = vapour ? h(kVapor, s.T + 1.0, s.Y) - s.HV : 0.0;
+    s.LIQCP = liquid ? h(kLiquid, s.T + 1.0, s.X) - s.HL : 0.0;
     if (s.FT != kFlashPS) {
         const double sv = vapour ? e(kVapor, s.Y) : 0.0;
         const double sl = liquid ? e(kLiquid, s.X) : 0.0;
         s.S = (1.0 - s.LF) * sv + s.LF * sl;
     }
-    // Heat capacities by a forward difference of 1 K, kJ/kg/K.
-    s.VAPCP = vapour ? h(kVapor, s.T + 1.0, s.Y) - s.HV : 0.0;
-    s.LIQCP = liquid ? h(kLiquid, s.T + 1.0, s.X) - s.HL : 0.0;
 }
 
 std::string pad(std::string text, std::size_t width) {
