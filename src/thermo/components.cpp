@@ -7,10 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <initializer_list>
 #include <optional>
 
 #include "model/embedded.hpp"
 #include "model/fault.hpp"
+#include "thermo/srk.hpp"
 
 namespace velm {
 
@@ -344,6 +346,217 @@ void ReadKij(RunContext& ctx, const CompLibrary& lib, std::span<const int> ids,
         }
     } catch (const Fault& f) {
         ctx.log_error("Error reading kij = " + fault_text(f));
+    }
+}
+
+}  // namespace velm
+
+// ---------------------------------------------------------------------------
+// Pseudo components.
+
+namespace velm {
+
+namespace {
+
+// The fields of one half of a Pseudo record, in CompProp order. The record's
+// multi-value keys hold the two halves side by side: CP, VISC and ANT as pairs
+// (position 2k - 1 entered, 2k in force), DENT density at 1 and 2 and its
+// temperature at 4 and 5, the Antoine range at 12..15.
+template <class PseudoT, class Visit>
+void pseudo_fields(PseudoT& p, std::size_t h, Visit&& visit) {
+    visit(p.MW[h], &CompProp::MW);
+    visit(p.TFP[h], &CompProp::TFP);
+    visit(p.TBP[h], &CompProp::TBP);
+    visit(p.TC[h], &CompProp::TC);
+    visit(p.PC[h], &CompProp::PC);
+    visit(p.VC[h], &CompProp::VC);
+    visit(p.ZC[h], &CompProp::ZC);
+    visit(p.ACC[h], &CompProp::Acc);
+    visit(p.DENS[h], &CompProp::LDenStd);
+    visit(p.DENT[h], &CompProp::LDen);
+    visit(p.DENT[h + 3], &CompProp::TDen);
+    visit(p.DIPM[h], &CompProp::DIPM);
+    float CompProp::*const cp[] = {&CompProp::CpA, &CompProp::CpB, &CompProp::CpC, &CompProp::CpD, &CompProp::CpE};
+    float CompProp::*const visc[] = {&CompProp::ViscType, &CompProp::ViscA, &CompProp::ViscB, &CompProp::ViscC,
+                                     &CompProp::ViscD};
+    float CompProp::*const ant[] = {&CompProp::AntA, &CompProp::AntB, &CompProp::AntC, &CompProp::AntD,
+                                    &CompProp::AntE};
+    for (std::size_t k = 0; k < 5; ++k) {
+        visit(p.CP[2 * k + h], cp[k]);
+        visit(p.VISC[2 * k + h], visc[k]);
+        visit(p.ANT[2 * k + h], ant[k]);
+    }
+    visit(p.HVAP[h], &CompProp::HVap);
+    visit(p.HFOR[h], &CompProp::HFor);
+    visit(p.ANT[11 + h], &CompProp::AntTMin);
+    visit(p.ANT[13 + h], &CompProp::AntTMax);
+}
+
+constexpr double kR = 8.314;           // kJ/kmol/K
+constexpr double kTStd = 288.70001220703125;  // 288.7 K as a 4-byte float: 60 F
+constexpr double kTVisc1 = 310.93;     // 100 F
+constexpr double kTVisc2 = 372.04;     // 210 F
+
+float as_float(double v) { return static_cast<float>(v); }
+
+void copy_fields(CompProp& out, const CompProp& in, std::initializer_list<float CompProp::*> fields) {
+    for (float CompProp::*f : fields) out.*f = in.*f;
+}
+
+// Riazi-Daubert form a Tb^b SG^c exp(d Tb + e SG + f Tb SG).
+double riazi_daubert(double tb, double sg, const double (&k)[6]) {
+    return k[0] * checked_pow(tb, k[1]) * checked_pow(sg, k[2]) * SafeExp(k[3] * tb + k[4] * sg + k[5] * tb * sg);
+}
+
+// Liquid viscosity estimate: ViscType 3 coefficients of ln(mu/cP) = A + B/T
+// through the API kinematic viscosities at 100 F and 210 F, made dynamic with
+// Rackett densities.
+void estimate_viscosity(const CompProp& c, double tb, double kw, CompProp& out) {
+    const double n1 = std::pow(10.0, -1.35579 + 0.00146891 * tb + 2.71676e-06 * tb * tb);
+    const double e = 34.931 - 0.15919 * tb + 0.000218218 * tb * tb - 5.9133e-08 * tb * tb * tb;
+    const double g =
+        std::pow(10.0, (-2.92649 + 0.0125713 * tb - 1.65223e-05 * tb * tb + 4.37037e-09 * tb * tb * tb) * kw + e);
+    double v1 = n1 + g;  // cSt at 100 F
+    const double b = 1.8 * tb * v1;
+    double v2 = std::pow(10.0, -1.92353 + 0.000433928 * tb + 0.5113 * Log10Safe(b));  // cSt at 210 F
+    const auto rackett_exponent = [&](double t) {
+        return 1.0 + checked_pow(1.0 - std::min(0.99, checked_div(t, c.TC)), 2.0 / 7.0);
+    };
+    const double zr = checked_pow(checked_div(c.MW, c.LDen * kR) * c.PC / c.TC, 1.0 / rackett_exponent(c.TDen));
+    const auto rho = [&](double t) {
+        return checked_div(c.MW, checked_pow(zr, rackett_exponent(t)) * c.TC * kR / c.PC);
+    };
+    v1 = v1 * rho(kTVisc1) / 1000.0;
+    v2 = v2 * rho(kTVisc2) / 1000.0;
+    out.ViscType = 3.0f;
+    out.ViscC = 0.0f;
+    out.ViscD = 0.0f;
+    const double B = (checked_log(v1) - checked_log(v2)) / (1.0 / kTVisc1 - 1.0 / kTVisc2);
+    out.ViscB = as_float(B);
+    out.ViscA = as_float(checked_log(v1) - B / kTVisc1);
+}
+
+}  // namespace
+
+CompProp pseudo_half(const Pseudo& p, int half) {
+    const std::size_t h = half == 1 ? 1 : 2;
+    CompProp c;
+    c.Number = p.NAME_NUM[h];
+    c.Name = std::string(trim(p.NAME_TEXT[h]));
+    c.Formula = std::string(trim(p.FOR[h]));
+    pseudo_fields(p, h, [&](float v, float CompProp::*field) { c.*field = v; });
+    return c;
+}
+
+void set_pseudo_half(Pseudo& p, int half, const CompProp& c) {
+    const std::size_t h = half == 1 ? 1 : 2;
+    p.NAME_NUM[h] = c.Number;
+    p.NAME_TEXT[h] = c.Name;
+    p.FOR[h] = c.Formula;
+    pseudo_fields(p, h, [&](float& v, float CompProp::*field) { v = c.*field; });
+}
+
+CompProp estimate_pseudo(RunContext& ctx, const CompProp& in) {
+    CompProp out;
+    try {
+        if (in.TBP < 300.0f) ctx.log_error("Error! NBP below 300K and outside correlation range.");
+        out.Number = in.Number;
+        out.Name = in.Name;
+        out.LDenStd = in.LDenStd;
+        if (in.LDenStd < 1.0f) {
+            ctx.ui.tell("Error! Std liq density < 1. Assume 700 kg/m3.");
+            out.LDenStd = 700.0f;
+        }
+        out.TBP = in.TBP;
+        if (in.TBP < 1.0f) {
+            ctx.ui.tell("Error! Normal boiling point < 1. Assume 400 K.");
+            out.TBP = 400.0f;
+        }
+        copy_fields(out, in, {&CompProp::TFP, &CompProp::DIPM});
+        const double tb = out.TBP;
+        const double sg = out.LDenStd / 999.0;
+        const double kw = std::cbrt(1.8 * tb) / sg;  // Watson characterisation factor
+        out.Formula = trim(in.Formula).empty() ? std::string("CxHx") : in.Formula;
+
+        const auto keep = [](float entered, auto estimate) { return entered != 0.0f ? entered : as_float(estimate()); };
+        out.MW = keep(in.MW, [&] {
+            return riazi_daubert(tb, sg, {42.965, 1.26007, 4.98308, 0.0002097, -7.78712, 0.00208476});
+        });
+        out.TC = keep(in.TC, [&] {
+            return riazi_daubert(tb, sg, {35.9413, 0.7293, 1.2771, -0.00069, -1.4442, 0.000491});
+        });
+        out.PC = keep(in.PC, [&] {
+            return riazi_daubert(tb, sg, {695.75, 0.6791, -0.6807, -0.0135, -0.3129, 0.009174});
+        });
+        out.VC = keep(in.VC, [&] {
+            return riazi_daubert(tb, sg, {62000000.0, 1.20493, 17.2074, -0.00758, -28.5524, 0.01172});
+        });
+        out.ZC = keep(in.ZC, [&] { return checked_div(double(out.PC) * out.VC / kR, out.TC); });
+        out.Acc = keep(in.Acc, [&] {
+            // Lee-Kesler (1975), Pr = 1 atm / Pc.
+            const double lnpr = checked_log(checked_div(101.325, out.PC));
+            const double tbr = checked_div(tb, out.TC);
+            const double lntbr = checked_log(tbr);
+            const double tbr6 = std::pow(tbr, 6.0);
+            return checked_div(lnpr - 5.92714 + 6.09648 / tbr + 1.28862 * lntbr - 0.169347 * tbr6,
+                               15.2518 - 15.6875 / tbr - 13.4721 * lntbr + 0.43577 * tbr6);
+        });
+        if (in.LDen != 0.0f && in.TDen != 0.0f) {
+            copy_fields(out, in, {&CompProp::LDen, &CompProp::TDen});
+        } else {
+            out.LDen = out.LDenStd;
+            out.TDen = as_float(kTStd);
+        }
+        if (in.CpA != 0.0f && in.CpB != 0.0f) {
+            copy_fields(out, in, {&CompProp::CpA, &CompProp::CpB, &CompProp::CpC, &CompProp::CpD, &CompProp::CpE});
+        } else {
+            // Lee-Kesler (1976) ideal gas heat capacity, scaled to kJ/kmol/K.
+            const double w = out.Acc;
+            const double mw = out.MW;
+            const double F = checked_pow(checked_div((12.8 - kw) * (10.0 - kw), 10.0 * w), 2.0);
+            out.CpA = as_float((-1.41779 + 0.11828 * kw - (1.09223 - 2.48245 * w) * F) * mw);
+            out.CpB = as_float((-0.000699724 + 0.000869326 * kw - 2.7715e-05 * kw * kw + (0.003434 - 0.00714 * w) * F) * mw);
+            out.CpC = as_float((-2.2582e-06 + (7.2661e-07 - 9.2561e-07 * w) * F) * mw);
+            out.CpD = 0.0f;
+            out.CpE = 0.0f;
+        }
+        if (in.ViscType != 0.0f && in.ViscA != 0.0f && in.ViscB != 0.0f) {
+            copy_fields(out, in,
+                        {&CompProp::ViscType, &CompProp::ViscA, &CompProp::ViscB, &CompProp::ViscC, &CompProp::ViscD});
+        } else {
+            estimate_viscosity(out, tb, kw, out);
+        }
+        out.HVap = keep(in.HVap, [&] { return 37.32315 * std::pow(tb, 1.14086) * std::pow(sg, 0.00977089); });
+        copy_fields(out, in, {&CompProp::HFor, &CompProp::GFor});
+        if (in.AntA != 0.0f && in.AntB != 0.0f) {
+            copy_fields(out, in,
+                        {&CompProp::AntA, &CompProp::AntB, &CompProp::AntC, &CompProp::AntD, &CompProp::AntE,
+                         &CompProp::AntTMin, &CompProp::AntTMax});
+        } else {
+            // Through (Tb, 1 atm) and (Tc, Pc) with C = -43 K.
+            const double B = checked_div(checked_log(out.PC) - std::log(101.325),
+                                         checked_div(1.0, out.TC - 43.0) - checked_div(1.0, tb - 43.0));
+            out.AntE = 0.0f;
+            out.AntD = 0.0f;
+            out.AntC = -43.0f;
+            out.AntB = as_float(B);
+            out.AntA = as_float(std::log(101.325) - B / (tb - 43.0));
+            out.AntTMin = 0.0f;
+            out.AntTMax = out.TC;
+        }
+    } catch (const Fault& f) {
+        ctx.log_error("Error! In Pseudo property function = " + fault_text(f));
+    }
+    return out;
+}
+
+void PseudoProps(RunContext& ctx, std::vector<Pseudo>& pseudos) {
+    for (std::size_t k = 1; k < pseudos.size(); ++k) {
+        Pseudo& p = pseudos[k];
+        const CompProp est = estimate_pseudo(ctx, pseudo_half(p, 1));
+        set_pseudo_half(p, 2, est);
+        p.NAME_TEXT[2] = p.NAME_TEXT[1];
+        if (!trim(p.FOR[1]).empty()) p.FOR[2] = p.FOR[1];
     }
 }
 

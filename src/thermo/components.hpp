@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "model/context.hpp"
+#include "model/records.hpp"
 
 namespace velm {
 
@@ -78,5 +79,35 @@ void GetCompData(RunContext& ctx, const CompLibrary& lib, std::span<const int> i
 // numbers stand at positions p and q of ids.
 void ReadKij(RunContext& ctx, const CompLibrary& lib, std::span<const int> ids,
              std::vector<std::vector<double>>& kij);
+
+// One half of a pseudo component record as a CompProp: half 1 the values the
+// user entered, half 2 the set in force (entered values, else estimates).
+// GFor has no place in the record and reads 0.
+CompProp pseudo_half(const Pseudo& p, int half);
+void set_pseudo_half(Pseudo& p, int half, const CompProp& c);
+
+// The set in force of a pseudo component from the entered set `in` (which
+// needs TBP and LDenStd): every property the user left at 0 is estimated from
+// the normal boiling point Tb (K) and the specific gravity SG = LDenStd / 999:
+//   MW, Tc, Pc, Vc   Riazi and Daubert (1987) exponential correlations
+//   Zc               Pc Vc / (R Tc)
+//   acentric factor  Lee and Kesler (1975) from Tb / Tc and Pc
+//   LDen at TDen     LDenStd at 288.7 K
+//   ideal gas Cp     Lee and Kesler (1976) from the Watson factor
+//                    Kw = (1.8 Tb)^(1/3) / SG
+//   liquid viscosity API Technical Data Book kinematic viscosities at 310.93
+//                    and 372.04 K (100 and 210 F) by the Abbott-Kaufman-Twu
+//                    correlations, to dynamic by Rackett densities, fitted as
+//                    ln(mu/cP) = A + B/T (ViscType 3)
+//   HVap             Riazi and Daubert, kJ/kmol at Tb
+//   Antoine          Clausius-Clapeyron through (Tb, 101.325 kPa) and
+//                    (Tc, Pc) with C = -43 K, valid up to Tc
+// Warnings and assumed values are logged or told as they arise; a numeric
+// fault is logged and leaves the set as far as it got.
+CompProp estimate_pseudo(RunContext& ctx, const CompProp& in);
+
+// Fills the estimated half (position 2) of pseudo components 1..N from their
+// entered half (position 1).
+void PseudoProps(RunContext& ctx, std::vector<Pseudo>& pseudos);
 
 }  // namespace velm
