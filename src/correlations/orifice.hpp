@@ -80,9 +80,9 @@ double orifice_bore(RunContext& ctx, int holes, double b, double D);
 double orifice_t_d(RunContext& ctx, double thickness, double bore);
 
 // Permanent (unrecovered) loss over the flange-tap differential, by type:
-//   ORIFICE, QUADRANT: 1 - 0.24 b - 0.52 b^2 - 0.16 b^3 (a polynomial fit of
-//     the ISO 5167-2 relation, within 1.1 % of it for 0.2 <= b <= 0.75 at
-//     C = 0.6);
+//   ORIFICE, QUADRANT: 1 - 0.24 b - 0.52 b^2 - 0.16 b^3, a polynomial fit
+//     within 2.5 % of the ISO 5167-2 relation for a plate (at the
+//     Reader-Harris/Gallagher C) for 0.2 <= b <= 0.75;
 //   NOZZLE: 1 + 0.014 b - 2.06 b^2 + 1.18 b^3;
 //   VENTURI: 0.436 - 0.86 b + 0.59 b^2 (a 15 degree exit cone).
 // Never below 1e-06; an unknown type gives 1e-06.
@@ -93,14 +93,16 @@ double orifice_dPratio(RunContext& ctx, std::string_view type, double b);
 // by type, for 0 <= b < 1 (b^4 >= 1 gives 1):
 //   ORIFICE: (0.598 + 0.01 b + 0.518 b^4.425) * sqrt(1 - b^4) * T, a fit of
 //     the flow coefficient of a sharp-edged plate at high Reynolds number,
-//     within 2.6 % of Reader-Harris/Gallagher (ISO 5167-2, flange taps,
-//     Re_D = 1e5..1e7) for 0.2 <= b <= 0.7. T = 1 for t_d = 0, else
+//     above Reader-Harris/Gallagher (ISO 5167-2, flange taps, Re_D =
+//     1e5..1e7) by at most 0.9 % for 0.2 <= b <= 0.5 and 3 % up to b = 0.7,
+//     with no Reynolds number term. T = 1 for t_d = 0, else
 //     1 + 0.33 / (1 + e^(-(t_d - 0.55) / 0.1)): a thick plate's coefficient
 //     rises smoothly by up to a third around t/d = 0.55 as the stream
 //     reattaches in the bore;
 //   QUADRANT: quarter-circle plate, Miller (Flow Measurement Engineering
 //     Handbook, 3rd ed., 1996), 0.7746 - 0.1334 b^2.1 + 1.4098 b^8
-//     + 0.0675 b^4 / (1 - b^4) + 0.3865 b^3, for Re_D below 1e5 b;
+//     + 0.0675 b^4 / (1 - b^4) + 0.3865 b^3, corner and flange taps alike,
+//     no Reynolds number term;
 //   NOZZLE: long radius nozzle, ASME MFC-3M, 0.9975 - 6.53 sqrt(b / Re), Re
 //     the pipe Reynolds number (1e4..1e7); Re = 0 is a fault;
 //   VENTURI: 0.985, the rough-welded sheet-iron convergent of ISO 5167-4.
@@ -122,8 +124,8 @@ double orifice_Rc(RunContext& ctx, double b, double k);
 // Expansion factor Y of the gas through the meter, limited to 0.001..1; 1 for
 // a liquid (LF > 0.9999). Rf the flange pressure ratio, t_d the plate's
 // thickness over bore.
-//   Thin plate (ORIFICE, t_d < 0.5): the empirical expansibility of ISO
-//   5167-1:1991 / ASME MFC-3M-1989, Y = 1 - (0.41 + 0.35 b^4)(1 - Rf) / k,
+//   Thin plate (ORIFICE, t_d < 0.5): the empirical expansibility of ASME
+//   MFC-3M-1989 and ISO 5167-1:1991, Y = 1 - (0.41 + 0.35 b^4)(1 - Rf) / k,
 //   valid down to Rf = 0.63 (ISO's 0.75 extended); below it the slope steepens
 //   by 1.2 k / k2 (k2 = 1.4 for k >= 1.167, else 1.2 k), so Y keeps falling
 //   where a thin plate never chokes.
