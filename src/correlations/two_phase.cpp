@@ -340,7 +340,7 @@ namespace {
 // Exponent of Y in the Chenoweth and Martin (1955) multiplier for
 // 1e-5 <= L <= 0.1, a fit of their chart in a = ln Y and b = ln L. For Y
 // from 100 to 1000 it meets the limiting forms, Y^(1 + sqrt(50 L)) and
-// L^-0.8597, within 4 % at either end.
+// L^-0.8597, within 4.5 % at either end.
 double chenoweth_martin_exponent(double a, double b) {
     const double a2 = a * a, b2 = b * b;
     const double t1 = (-1.179e-08 * a2 * a2 * a2 - 0.0002770907 / b) * a2 - 0.01546;

@@ -1,0 +1,319 @@
+#include "correlations/two_phase.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "correlations/pipe.hpp"
+#include "solver/properties.hpp"
+
+namespace velm {
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+// One row of tests/data/two_phase_reference.csv (made by tools/two_phase_reference.py
+// with python3-fluids): the kind, then its fields as text.
+std::vector<std::vector<std::string>> reference(const std::string& kind) {
+    std::ifstream in(std::string(VELM_TEST_DATA) + "/two_phase_reference.csv");
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream s(line);
+        std::vector<std::string> f;
+        for (std::string item; std::getline(s, item, ',');) f.push_back(item);
+        if (!f.empty() && f[0] == kind) rows.push_back(f);
+    }
+    EXPECT_FALSE(rows.empty()) << "no " << kind << " rows";
+    return rows;
+}
+
+class TwoPhaseTest : public ::testing::Test {
+protected:
+    TwoPhaseTest() {
+        ctx.run_active = true;  // messages collect in ctx.run_log_text
+        gen.PATM = 101.325;
+        gen.MCOMP = "Isothermal";
+        gen.MACCEL = "None";
+        gen.MDUKHP = "Hughmark";
+    }
+
+    // 1 m of horizontal smooth pipe with WL t/h of liquid and WV t/h of vapour,
+    // end properties equal to the averages.
+    Line line(double WL, double WV, double D, double rhoL, double rhoV, double muL, double muV) {
+        Line l;
+        l.TFLOW.value = WL + WV;
+        l.LVFLOW = {0.0, WL, WV};
+        l.ID.value = l.IDH.value = D;
+        l.LEN = l.FAC = 1.0;
+        const double x = WL / (WL + WV);
+        l.LF = {0.0, x, x, x};
+        l.LPROP[1] = rhoL;
+        l.LPROP[3] = muL;
+        l.VPROP[1] = rhoV;
+        l.VPROP[3] = muV;
+        l.TPROP[1] = l.TPROP[2] = l.TPROP[3] = density(ctx, x, rhoV, rhoL);
+        l.TPROP[6] = Viscosity(ctx, x, muV, muL, rhoV, rhoL);
+        return l;
+    }
+    Line line(const std::vector<std::string>& r) {
+        return line(std::stod(r[2]), std::stod(r[3]), std::stod(r[4]), std::stod(r[5]), std::stod(r[6]),
+                    std::stod(r[7]), std::stod(r[8]));
+    }
+
+    // Frictional gradient, Pa/m, of the method on a 1 m line.
+    double gradient(const char* method, Line& l) {
+        gen.MTP = method;
+        const double W = l.TFLOW.value;
+        return PipeDP(ctx, gen, l, l.ID.value, l.IDH.value, "W2") * W * W * 1000.0;
+    }
+
+    std::vector<std::string> messages() {
+        std::vector<std::string> out;
+        for (std::size_t at = 0; (at = ctx.run_log_text.find("\r\n", at)) != std::string::npos;) {
+            at += 2;
+            out.push_back(ctx.run_log_text.substr(at, ctx.run_log_text.find("\r\n", at) - at));
+        }
+        ctx.run_log_text.clear();
+        return out;
+    }
+
+    RecordingInteraction ui;
+    RunContext ctx{ui};
+    Header gen;
+};
+
+TEST_F(TwoPhaseTest, GradientsAgainstFluids) {
+    // Fifteen horizontal points, air-water, gas-oil and a 200 cP oil, across the flow pattern map.
+    for (const auto& r : reference("point")) {
+        const double bb = std::stod(r[10]), lmc = std::stod(r[11]), hom = std::stod(r[12]);
+        Line l = line(r);
+        const std::string where = r[1] + " " + r[2] + " + " + r[3] + " t/h";
+        // The same published method: measured within 0.05 % (Beggs-Brill, pattern, hold-up and
+        // friction ratio) and 0.01 % (homogeneous), the rounded constants of the program.
+        EXPECT_NEAR(gradient("Beggs-Brill", l), bb, 1e-3 * bb) << where;
+        EXPECT_EQ(l.MTP, "Beggs-Brill");
+        EXPECT_NEAR(gradient("Homogeneous", l), hom, 3e-4 * hom) << where;
+        // Chisholm's C form, by design with the Colebrook factor where the reference uses
+        // 0.184 Re^-0.2: measured -1.9 % to +15.4 % (the most at ReG 3e7, far beyond that
+        // power law's range); both phases laminar (64/Re alike), within 0.01 %.
+        const double chisholm = gradient("Chisholm", l);
+        const bool laminar = l.LM[1] < 2000.0 && l.LM[4] < 2000.0;
+        EXPECT_NEAR(chisholm, lmc, (laminar ? 3e-4 : 0.16) * lmc) << where;
+        // The chart fits of Lockhart and Martinelli against Chisholm's C form of the same
+        // chart: measured -20 % to +52 %, the larger part from the friction factor as above.
+        const double lm = gradient("Lockhart-Martinelli", l);
+        EXPECT_GT(lm, 0.75 * lmc) << where;
+        EXPECT_LT(lm, 1.55 * lmc) << where;
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, SeparatedFlowFromFirstPrinciples) {
+    // X^2 = (dP/dL)_L / (dP/dL)_G of each phase alone, Darcy-Weisbach; for X >= 1 the
+    // liquid's gradient times 1 + C/X + 1/X^2, else the gas's times 1 + C X + X^2.
+    struct Row { const char* what; double WL, WV, rhoL, rhoV, muL, muV, C; };
+    const Row rows[] = {
+        {"air-water, both turbulent", 7.11, 0.0285, 998.0, 1.2, 1.0, 0.018, 20.0},
+        {"gas-oil, both turbulent, X < 1", 6.76, 108.0, 750.0, 40.0, 1.5, 0.012, 20.0},
+        {"oil laminar, gas turbulent", 1.07, 0.0285, 900.0, 1.2, 200.0, 0.018, 12.0},
+        {"water turbulent, gas laminar", 5.0, 0.003, 998.0, 1.2, 1.0, 0.018, 10.0},
+        {"both laminar", 1.07, 0.00285, 900.0, 1.2, 200.0, 0.018, 5.0},
+    };
+    const double D = 0.0525, A = kPi / 4 * D * D;
+    for (const auto& r : rows) {
+        const auto alone = [&](double W, double rho, double mu) {
+            const double G = W / 3.6 / A;
+            return pipe_f(ctx, 0.0, D, G * D / (mu / 1000.0)) / D * G * G / (2.0 * rho);
+        };
+        const double dPL = alone(r.WL, r.rhoL, r.muL), dPG = alone(r.WV, r.rhoV, r.muV);
+        const double X = std::sqrt(dPL / dPG);
+        const double expected = X >= 1.0 ? dPL * (1 + r.C / X + 1 / (X * X)) : dPG * (1 + r.C * X + X * X);
+        Line l = line(r.WL, r.WV, D, r.rhoL, r.rhoV, r.muL, r.muV);
+        EXPECT_NEAR(gradient("Chisholm", l), expected, 2e-4 * expected) << r.what;
+        EXPECT_NEAR(l.LM[7], X, 1e-4 * X) << r.what;
+        EXPECT_EQ(l.MTP, "Chisholm");
+        EXPECT_EQ(l.HUP, liquid_holdup(ctx, "Lockhart-Martinelli", D, D, 0.0, l.TFLOW.value, l.LF[3], r.rhoL, r.muL,
+                                       r.rhoV, r.muV));
+    }
+    // The Lockhart-Martinelli (1949) turbulent-turbulent curves: phi_G = 1.85 at X = 0.1,
+    // phi_L = 4.20 at X = 1 and 1.75 at X = 10. Half the flow each, equal viscosities:
+    // equal friction factors, so X^2 = rhoV / rhoL. At X = 1 exactly the liquid side counts.
+    struct Chart { double rhoV, X, phi2; int at; };
+    const Chart chart[] = {{5.12, 0.1, 1.85 * 1.85, 6}, {512.0, 1.0, 4.20 * 4.20, 3}, {51200.0, 10.0, 1.75 * 1.75, 3}};
+    for (const auto& c : chart) {
+        Line l = line(5.0, 5.0, 0.05, 512.0, c.rhoV, 1.0, 1.0);
+        gradient("Lockhart-Martinelli", l);
+        EXPECT_NEAR(l.LM[7], c.X, 1e-12);
+        EXPECT_NEAR(l.LM[c.at], c.phi2, 0.015 * c.phi2) << "X " << c.X;
+    }
+    // At X = 1 exactly the liquid side carries the multiplier: 1 + 1 + 18.8 - 5 + 2 = 17.8,
+    // where the gas side would give 1 + 4.6 + 10 + 1.2 = 16.8.
+    Line l = line(5.0, 5.0, 0.05, 512.0, 512.0, 1.0, 1.0);
+    const double g = gradient("Lockhart-Martinelli", l);
+    ASSERT_EQ(l.LM[7], 1.0);
+    const double GL = 5.0 / 3.6 / (kPi / 4 * 0.05 * 0.05);
+    EXPECT_NEAR(g, 17.8 * l.LM[2] / 0.05 * GL * GL / (2 * 512.0), 2e-4 * g);
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, DuklerAndBeggsBrillFromFirstPrinciples) {
+    // dP/dL = alpha * beta * f(beta Re_ns) / D * G^2 / (2 rho_ns), Dukler's
+    // rho_tp / rho_ns = (L^2 rhoL / Hl + (1 - L)^2 rhoV / (1 - Hl)) / rho_ns; Beggs-Brill beta = 1.
+    struct Row { const char* mtp; const char* holdup; int smooth; double WL, WV, rhoL, rhoV, muL, muV; };
+    const Row rows[] = {
+        {"Dukler", "Hughmark", 0, 7.11, 0.0285, 998.0, 1.2, 1.0, 0.018},
+        {"Dukler", "GPSA", 0, 7.11, 0.0285, 998.0, 1.2, 1.0, 0.018},
+        {"Dukler", "GPSA", -1, 20.3, 3.6, 750.0, 40.0, 1.5, 0.012},
+        {"Beggs-Brill", "Beggs-Brill", 0, 20.3, 3.6, 750.0, 40.0, 1.5, 0.012},
+        {"Beggs-Brill", "Beggs-Brill", -1, 7.11, 0.0285, 998.0, 1.2, 1.0, 0.018},
+    };
+    const double D = 0.0525, eps = 4.57e-05, A = kPi / 4 * D * D;
+    for (const auto& r : rows) {
+        gen.MDUKHP = r.holdup;
+        gen.MDUKF = r.smooth;
+        Line l = line(r.WL, r.WV, D, r.rhoL, r.rhoV, r.muL, r.muV);
+        l.EPS.value = eps;
+        const double g = gradient(r.mtp, l);
+        const double x = l.LF[3], G = (r.WL + r.WV) / 3.6 / A;
+        const double L = (x / r.rhoL) / (x / r.rhoL + (1 - x) / r.rhoV);
+        const double rho_ns = L * r.rhoL + (1 - L) * r.rhoV, mu_ns = L * r.muL + (1 - L) * r.muV;
+        const double Hl = l.HUP;
+        const double beta = r.mtp[0] == 'D' ? (L * L * r.rhoL / Hl + (1 - L) * (1 - L) * r.rhoV / (1 - Hl)) / rho_ns : 1.0;
+        const double Re_tp = beta * G * D / (mu_ns / 1000.0);
+        const double f = pipe_f(ctx, r.smooth ? 0.0 : eps, D, Re_tp);
+        EXPECT_EQ(l.MTP, r.mtp);
+        EXPECT_EQ(Hl, liquid_holdup(ctx, r.holdup, D, D, eps, l.TFLOW.value, x, r.rhoL, r.muL, r.rhoV, r.muV));
+        EXPECT_GT(Hl, L * 1.05) << r.mtp << " " << r.holdup << ": slip holds liquid back";
+        EXPECT_NEAR(l.DUK[2], beta, 1e-9 * beta);
+        EXPECT_NEAR(l.RE, Re_tp, 1e-4 * Re_tp);
+        EXPECT_NEAR(g, l.DUK[1] * beta * f / D * G * G / (2 * rho_ns), 3e-4 * g) << r.mtp << " " << r.holdup;
+        EXPECT_EQ(l.F[2], r.smooth ? 0.0056 : pipe_fT(ctx, eps, D));
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, ChenowethMartinMultiplier) {
+    // The drop of the whole flow as liquid times Phi(L, Y), Y the all-gas to all-liquid
+    // gradient ratio. Limiting forms Y^(1 + sqrt(50 L)) below L = 1e-5 and L^-0.8597 above
+    // 0.1, where the chart's curves merge; the chart fit between meets both within 4.5 %
+    // for Y from 100 to 1000 (here Y is about 400), and the step at L = 0.1 is kept.
+    enum Form { Low, High, FitNearLow, FitNearHigh };
+    struct Row { double L; Form form; };
+    const Row rows[] = {{5e-06, Low}, {1.0001e-05, FitNearLow}, {0.0999, FitNearHigh}, {0.1001, High}, {0.6, High}};
+    const double D = 0.0525, W = 10.0, rhoL = 998.0, rhoV = 1.2, G = W / 3.6 / (kPi / 4 * D * D);
+    const double fL = pipe_f(ctx, 0.0, D, G * D / 1e-3), fG = pipe_f(ctx, 0.0, D, G * D / 1.8e-5);
+    const double Y = fG * rhoL / (fL * rhoV);
+    for (const auto& r : rows) {
+        const double x = r.L * rhoL / (r.L * rhoL + (1 - r.L) * rhoV);
+        Line l = line(x * W, (1 - x) * W, D, rhoL, rhoV, 1.0, 0.018);
+        const double g = gradient("Chenoweth-Martin", l);
+        const double Phi = l.LM[3];
+        EXPECT_NEAR(l.LM[7], Y, 1e-4 * Y);
+        EXPECT_NEAR(g, Phi * fL / D * G * G / (2 * rhoL), 3e-4 * g) << "L " << r.L;
+        const double low = std::pow(l.LM[7], 1 + std::sqrt(50 * r.L)), high = std::pow(r.L, -0.8597);
+        switch (r.form) {
+            case Low: EXPECT_NEAR(Phi, low, 1e-9 * low); break;
+            case High: EXPECT_NEAR(Phi, high, 1e-9 * high); break;
+            case FitNearLow: EXPECT_NEAR(Phi, low, 0.045 * low); break;
+            case FitNearHigh:
+                EXPECT_NEAR(Phi, high, 0.045 * high);
+                EXPECT_GT(std::abs(Phi / high - 1), 0.005);  // the step at 0.1
+                break;
+        }
+        EXPECT_EQ(l.MTP, "Chenoweth-Martin");
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, HoldUpCorrelations) {
+    // Hughmark (1962), K against Z = Re^(1/6) Fr^(1/8) / L^(1/4), his table; Hl = 1 - (1 - L) K.
+    const auto hughmark_K = [&](double Z) {
+        const double L = 0.5;
+        return (1.0 - Hlh(ctx, L, std::pow(Z * std::pow(L, 0.25), 1.0 / 0.1667), 1.0)) / (1.0 - L);
+    };
+    // Beggs and Brill (1973) horizontal hold-up L^b / NFR^c of each pattern, with the
+    // revised limits L2 = 0.0009252 L^-2.4684 and L3 = 0.1 L^-1.4516 of the transition.
+    const auto seg = [](double L, double N) { return 0.98 * std::pow(L, 0.4846) / std::pow(N, 0.0868); };
+    const auto inter = [](double L, double N) { return 0.845 * std::pow(L, 0.5351) / std::pow(N, 0.0173); };
+    const auto dist = [](double L, double N) { return 1.065 * std::pow(L, 0.5824) / std::pow(N, 0.0609); };
+    const double L2 = 0.0009252 * std::pow(0.3, -2.4684), L3 = 0.1 * std::pow(0.3, -1.4516);
+    const double A = (L3 - 0.1) / (L3 - L2);
+    // GPSA chart: interpolated in ln Re, so at the geometric mean of two curves ln Hl is the mean.
+    const double mid = std::sqrt(1000.0 * 2500.0);
+    // Flanigan by the superficial gas velocity in m/s: 10 t/h, half vapour at 20 kg/m3 in 2 in.
+    const double D = 0.0525, vsg = 5.0 / 3.6 / 20.0 / (kPi / 4 * D * D);
+    // No slip: the momentum density is the homogeneous density.
+    const double Lns = LVF(ctx, 0.4, 20.0, 800.0);
+    struct Row { const char* what; double got, expected, tol; };
+    const Row rows[] = {
+        {"Hughmark Z 1.3", hughmark_K(1.3), 0.185, 0.005},
+        {"Hughmark Z 2", hughmark_K(2.0), 0.325, 0.005},
+        {"Hughmark Z 3", hughmark_K(3.0), 0.49, 0.005},
+        {"Hughmark Z 5", hughmark_K(5.0), 0.675, 0.005},
+        {"Hughmark Z 10", hughmark_K(10.0), 0.78, 0.005},
+        {"Hughmark Z 40", hughmark_K(40.0), 0.88, 0.005},
+        {"Hughmark Z 130", hughmark_K(130.0), 0.98, 0.005},
+        {"Beggs-Brill segregated", HBB(ctx, 0.3, 0.005), seg(0.3, 0.005), 1e-12},
+        {"Beggs-Brill transition", HBB(ctx, 0.3, 0.1), A * seg(0.3, 0.1) + (1 - A) * inter(0.3, 0.1), 1e-12},
+        {"Beggs-Brill intermittent", HBB(ctx, 0.3, 5.0), inter(0.3, 5.0), 1e-12},
+        {"Beggs-Brill distributed", HBB(ctx, 0.05, 500.0), dist(0.05, 500.0), 1e-12},
+        {"GPSA chart between curves", std::log(Hld(ctx, 0.1, mid)),
+         0.5 * (std::log(Hld(ctx, 0.1, 1000.0)) + std::log(Hld(ctx, 0.1, 2500.0))), 1e-12},
+        {"GPSA chart below Re 100", Hld(ctx, 0.1, 20.0), Hld(ctx, 0.1, 100.0), 0.0},
+        {"GPSA chart above Re 1e6: no slip", Hld(ctx, 0.1, 2e6), 0.1, 1e-12},
+        {"Flanigan", liquid_holdup(ctx, "Flanigan", D, D, 0.0, 10.0, 0.5, 800.0, 1.0, 20.0, 0.012),
+         1.0 / (1.0 + 1.0151 * vsg), 1e-9},
+        {"Lockhart-Martinelli at X = 0", HLM(ctx, 0.0), 0.0, 0.0},
+        {"Dukler beta without slip", Dukler_beta(ctx, Lns, Lns, 800.0, 20.0, density(ctx, 0.4, 20.0, 800.0)), 1.0, 1e-12},
+        {"momentum density without slip", density_momentum(ctx, 0.4, Lns, 20.0, 800.0), density(ctx, 0.4, 20.0, 800.0),
+         1e-12},
+    };
+    for (const auto& r : rows) EXPECT_NEAR(r.got, r.expected, r.tol * std::abs(r.expected)) << r.what;
+    // Flanigan's own fit, 1 / (1 + 0.3264 vsg^1.006) in ft/s, lies below the program's form:
+    // measured 3.1 % at 1 m/s, 7.0 % at 10 m/s.
+    for (const double v : {1.0, 10.0}) {
+        const double published = 1.0 / (1.0 + 0.3264 * std::pow(v * 3.2808, 1.006));
+        EXPECT_GT(Hfl(v) / published, 1.03);
+        EXPECT_LT(Hfl(v) / published, 1.075);
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, HoldUpNeverBelowNoSlip) {
+    const char* methods[] = {"GPSA", "Hughmark", "Flanigan", "Lockhart-Martinelli", "Beggs-Brill", "Liquid",
+                             "Homogeneous", "Unknown"};
+    for (const auto& r : reference("point")) {
+        const Line l = line(r);
+        const double L = LVF(ctx, l.LF[3], l.VPROP[1], l.LPROP[1]);
+        for (const char* m : methods) {
+            const double Hl = liquid_holdup(ctx, m, l.ID.value, l.IDH.value, 0.0, l.TFLOW.value, l.LF[3], l.LPROP[1],
+                                            l.LPROP[3], l.VPROP[1], l.VPROP[3]);
+            const std::string what = std::string(m) + " " + r[1] + " " + r[2] + " t/h";
+            const std::string_view name = m;
+            if (name == "Liquid")
+                EXPECT_EQ(Hl, 1.0) << what;
+            else if (name == "Homogeneous" || name == "Unknown")
+                EXPECT_EQ(Hl, L) << what;
+            else
+                EXPECT_TRUE(Hl >= L && Hl <= 1.0) << what << ": " << Hl << " against " << L;
+        }
+    }
+    // Beggs-Brill distributed flow at L 0.9 and NFR 1e4 gives 0.57, raised to 0.9; a
+    // single phase or a missing property is the no-slip value itself.
+    const double D = 0.05, rhoL = 998.0, rhoV = 100.0, x = 0.9 * rhoL / (0.9 * rhoL + 0.1 * rhoV);
+    const double rho = 0.9 * rhoL + 0.1 * rhoV, v = std::sqrt(1e4 * 9.81 * D);
+    const double W = rho * v * (3.141592654 / 4 * D * D) * 3.6;
+    EXPECT_LT(HBB(ctx, 0.9, 1e4), 0.6);
+    EXPECT_NEAR(liquid_holdup(ctx, "Beggs-Brill", D, D, 0.0, W, x, rhoL, 1.0, rhoV, 0.012), 0.9, 1e-12);
+    EXPECT_EQ(liquid_holdup(ctx, "Liquid", D, D, 0.0, W, 0.0, rhoL, 1.0, rhoV, 0.012), 0.0);
+    EXPECT_EQ(liquid_holdup(ctx, "Liquid", D, D, 0.0, W, x, rhoL, 0.0, rhoV, 0.012), LVF(ctx, x, rhoV, rhoL));
+    EXPECT_TRUE(messages().empty());
+}
+
+}  // namespace
+}  // namespace velm
