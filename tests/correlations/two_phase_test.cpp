@@ -315,5 +315,148 @@ TEST_F(TwoPhaseTest, HoldUpNeverBelowNoSlip) {
     EXPECT_TRUE(messages().empty());
 }
 
+TEST_F(TwoPhaseTest, AccelerationOfSeparatedFlow) {
+    // The momentum flux G^2 / rho_m between two ends of given hold-up, against
+    // fluids.two_phase.two_phase_dP_acceleration: measured within 0.01 % (6.254e-05).
+    for (const auto& r : reference("accel")) {
+        std::vector<double> v;
+        for (std::size_t i = 1; i < r.size(); ++i) v.push_back(std::stod(r[i]));
+        const double W = v[0], D = v[1];
+        const double rho1 = density_momentum(ctx, v[2], v[4], v[7], v[6]);
+        const double rho2 = density_momentum(ctx, v[3], v[5], v[9], v[8]);
+        const double dP = 2 * kPipeHead / std::pow(D, 4) * (1 / rho2 - 1 / rho1) * W * W * 1000.0;
+        EXPECT_NEAR(dP, v[10], 2e-4 * v[10]) << W << " t/h";
+    }
+    // A line that enters as liquid and leaves as vapour: at single-phase ends every hold-up
+    // method has no slip, so the term is the homogeneous one. Two-phase ends flashing along
+    // a line: the slip methods hold liquid back and the term differs from the homogeneous one.
+    Line l = line(1.0, 1.0, 0.0525, 800.0, 20.0, 10.0, 0.012);
+    const auto ends = [&](double LF1, double LF2) {
+        l.LF[1] = LF1;
+        l.LF[2] = LF2;
+        l.LIQDEN = {0.0, 800.0, 800.0};
+        l.LIQVISC = {0.0, 10.0, 10.0};
+        l.VAPDEN = {0.0, 30.0, 15.0};
+        l.VAPVISC = {0.0, 0.012, 0.012};
+        l.TPROP[1] = density(ctx, LF1, 30.0, 800.0);
+        l.TPROP[2] = density(ctx, LF2, 15.0, 800.0);
+    };
+    for (const char* m : {"Hughmark", "GPSA", "Lockhart-Martinelli"}) {
+        ends(1.0, 0.0);
+        EXPECT_NEAR(pipe_dP_acc(ctx, m, l, 0.0525, 0.0525), pipe_dP_acc(ctx, "Homogeneous", l, 0.0525, 0.0525),
+                    1e-12) << m;
+        ends(0.6, 0.4);
+        const double slip = pipe_dP_acc(ctx, m, l, 0.0525, 0.0525);
+        EXPECT_GT(std::abs(slip / pipe_dP_acc(ctx, "Homogeneous", l, 0.0525, 0.0525) - 1), 0.05) << m;
+        // A branch charges it: DPACC = Cacc W |W| and the coefficient grows by Cacc.
+        gen.MACCEL = "None";
+        const double without = gradient("Dukler", l);
+        gen.MACCEL = m;
+        EXPECT_NEAR(gradient("Dukler", l) - without, slip * 4.0 * 1000.0, 1e-9 * without) << m;
+        EXPECT_NEAR(l.DPACC, slip * 4.0, 1e-12) << m;
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, ChecksStoredResultsAndSizingMode) {
+    const char* methods[] = {"Dukler", "Beggs-Brill", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin"};
+    struct Zero { const char* what; void (*set)(Line&); };
+    const Zero zeros[] = {{"vapour density", [](Line& l) { l.VPROP[1] = 0.0; }},
+                          {"vapour viscosity", [](Line& l) { l.VPROP[3] = 0.0; }},
+                          {"liquid density", [](Line& l) { l.LPROP[1] = 0.0; }},
+                          {"liquid viscosity", [](Line& l) { l.LPROP[3] = 0.0; }}};
+    for (const char* m : methods) {
+        for (const auto& z : zeros) {
+            Line l = line(7.11, 0.0285, 0.0525, 998.0, 1.2, 1.0, 0.018);
+            z.set(l);
+            EXPECT_EQ(gradient(m, l), 0.0) << m << " " << z.what;
+            EXPECT_EQ(messages(), std::vector<std::string>{"Error! Zero phase density/visc in 2-phase pipe dP function."});
+        }
+        // "dP100": kPa per 100 m of straight pipe at the line's flow, the record untouched.
+        Line l = line(7.11, 0.0285, 0.0525, 998.0, 1.2, 1.0, 0.018);
+        l.FITLD = 40.0;
+        l.FITK = 2.0;
+        l.LEN = 30.0;
+        gen.MTP = m;
+        gen.MACCEL = "Homogeneous";
+        const Line before = l;
+        const double dp100 = PipeDP(ctx, gen, l, l.ID.value, l.IDH.value, "dP100");
+        EXPECT_TRUE(l == before) << m;
+        Line straight = l;
+        straight.LEN = 100.0;
+        straight.FITLD = straight.FITK = 0.0;
+        gen.MACCEL = "None";
+        EXPECT_NEAR(dp100, gradient(m, straight) / 1000.0, 1e-12 * dp100) << m;
+        // The record names the method it was rated with, and keeps only its own parameters.
+        gradient(m, l);
+        EXPECT_EQ(l.MTP, m);
+        const std::string_view name = m;
+        const bool dukler = name == "Dukler" || name == "Beggs-Brill";
+        EXPECT_EQ(l.DUK[1] != 0.0, dukler) << m;
+        EXPECT_EQ(l.LM[3] != 0.0, !dukler) << m;
+        EXPECT_EQ(l.HUP != 0.0, name != "Chenoweth-Martin") << m;  // a method without hold-up
+        // A line at LF 0.9999 is liquid: homogeneous under any method.
+        l.LF[3] = 0.9999;
+        gradient(m, l);
+        EXPECT_EQ(l.MTP, "Homogeneous");
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, StaticHeadDensityByHoldUp) {
+    // 1 t/h of water with 10 % air by mass, at 20 C and 0 kPag in 2 in.
+    Project p;
+    p.gen = gen;
+    p.gen.MSONIC = "Isothermal";
+    p.lines.resize(2);
+    Line& l = p.lines[1];
+    l.SCH = "ID";
+    l.ID.spec = "0.0525";
+    l.TFLOW.value = 1.0;
+    l.LIQDEN = {0.0, 998.0, 998.0};
+    l.LIQVISC = {0.0, 1.0, 1.0};
+    l.LIQCON = {0.0, 0.6, 0.6, 0.0};
+    l.VAPMW = {0.0, 28.96, 28.96};
+    l.VAPZ = {0.0, 1.0, 1.0};
+    l.VAPVISC = {0.0, 0.018, 0.018};
+    l.TEMP = {0.0, 20.0, 20.0, 0.0};
+    enum Column { Liquid, Mixture, Flanigan, Slip };
+    struct Row { const char* method; double LF; Column expected; };
+    const Row rows[] = {{"Liquid", 0.9, Liquid}, {"Homogeneous", 0.9, Mixture}, {"Flanigan", 0.9, Flanigan},
+                        {"Hughmark", 0.9, Slip}, {"GPSA", 0.9, Slip}, {"Liquid", 1.0, Mixture}};
+    for (const auto& r : rows) {
+        p.gen.MDELEV = r.method;
+        l.LF = {0.0, r.LF, r.LF, 0.0};
+        Hydr_UpdateProperties(ctx, p, 1, 0);
+        const double rhoL = l.LPROP[1], rhoV = l.VPROP[1];
+        const double vsg = (1 - r.LF) * 1.0 / 3.6 / rhoV / (kPi / 4 * 0.0525 * 0.0525);
+        const double H = 1 / (1 + 1.0151 * vsg);
+        switch (r.expected) {
+            case Liquid: EXPECT_EQ(l.TPROP[4], rhoL); break;
+            case Mixture: EXPECT_EQ(l.TPROP[4], l.TPROP[3]) << r.method << " " << r.LF; break;
+            case Flanigan: EXPECT_NEAR(l.TPROP[4], H * rhoL + (1 - H) * rhoV, 1e-6 * l.TPROP[4]); break;
+            case Slip: EXPECT_GT(l.TPROP[4], 2.0 * l.TPROP[3]) << r.method; break;
+        }
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
+TEST_F(TwoPhaseTest, FaultsAreTrappedWithTheirWords) {
+    // No liquid at all: the logarithms of L and of L / Hl^2 fault; each routine logs and gives 0.
+    struct Row { double got; const char* told; };
+    const Row rows[] = {
+        {Hld(ctx, 0.0, 1000.0), "Error! In Hld function = 5 : Invalid procedure call or argument"},
+        {Dukler_alpha(ctx, 0.0), "Error! In Dukler alpha function= 5 : Invalid procedure call or argument"},
+        {Beggs_Brill_alpha(ctx, 0.0, 0.5), "Error! In Beggs-Brill alpha function= 5 : Invalid procedure call or argument"},
+        {Hlh(ctx, 0.0, 1e4, 1.0), "Error! In Hlh function = 11 : Division by zero"},
+    };
+    const std::vector<std::string> told = messages();
+    ASSERT_EQ(told.size(), std::size(rows));
+    for (std::size_t i = 0; i < told.size(); ++i) {
+        EXPECT_EQ(rows[i].got, 0.0) << rows[i].told;
+        EXPECT_EQ(told[i], rows[i].told);
+    }
+}
+
 }  // namespace
 }  // namespace velm
