@@ -69,6 +69,7 @@ POINTS = (
     ("air-water", 0.5, 3.0, "elongated bubble"),
     ("air-water", 5.0, 20.0, "dispersed bubble"),
     ("air-water", 60.0, 0.3, "annular mist"),
+    ("air-water", 200.0, 6.0, "annular mist, Taitel-Dukler X about 0.9"),
     ("gas-oil", 1.0, 0.1, "stratified"),
     ("gas-oil", 30.0, 0.05, "wave"),
     ("gas-oil", 300.0, 1.0, "annular mist"),
