@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 #include "correlations/two_phase.hpp"
 #include "model/fault.hpp"
@@ -169,7 +168,7 @@ double homogeneous_coefficient(RunContext& ctx, const Header& gen, Line& line, d
     if (!per_100m) {
         Cacc = pipe_dP_acc(ctx, gen.MACCEL, line, ID, IDH);
         store_pipe_results(line, "Homogeneous", fr, Cacc * W * std::abs(W),
-                      LVF(ctx, line.LF[3], line.VPROP[1], line.LPROP[1]));
+                           LVF(ctx, line.LF[3], line.VPROP[1], line.LPROP[1]));
     }
     const double ID4 = ID * ID * ID * ID;
     const double s = per_100m ? W : 1.0;

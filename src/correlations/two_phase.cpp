@@ -218,7 +218,8 @@ double density_momentum(RunContext& ctx, double LF, double Hl, double rhoV, doub
     return trapped(ctx, "Error! In density momentum function = ", [&] {
         if (Hl == 0.0 || rhoL == 0.0) return rhoV;
         if (Hl == 1.0 || rhoV == 0.0) return rhoL;
-        const double inverse = checked_div((1.0 - LF) * (1.0 - LF), rhoV * (1.0 - Hl)) + checked_div(LF * LF, rhoL * Hl);
+        const double inverse =
+            checked_div((1.0 - LF) * (1.0 - LF), rhoV * (1.0 - Hl)) + checked_div(LF * LF, rhoL * Hl);
         return checked_div(1.0, inverse);
     });
 }
@@ -346,7 +347,8 @@ double chenoweth_martin_exponent(double a, double b) {
     const double t1 = (-1.179e-08 * a2 * a2 * a2 - 0.0002770907 / b) * a2 - 0.01546;
     const double t2 = (((2.994e-07 * a - 4.2111e-06) * a2 * a2 * a + 0.075567) * a - 0.5273316) * b;
     const double t3 = (((-4.01075e-05 * b - 0.00081599) * a + 0.005219) * a2 - 0.04037787) * b2;
-    const double t4 = (((-9.17e-08 * a - 7.09e-08 * b) * a + 6.151e-07 * b + 8.228e-06) * b2 - 0.0001601558 * a) * b2 * b2;
+    const double t4 =
+        (((-9.17e-08 * a - 7.09e-08 * b) * a + 6.151e-07 * b + 8.228e-06) * b2 - 0.0001601558 * a) * b2 * b2;
     return t1 + t2 + t3 + t4;
 }
 

@@ -13,8 +13,9 @@
 // only) and near-horizontal pipe; elevation is charged separately, by the
 // density of the static column.
 //
-// Every routine traps its own numeric faults: one line in the log with its
-// own words, the fault's number and description, and 0 as the result.
+// The correlations trap their own numeric faults: one line in the log with
+// their own words, the fault's number and description, and 0 as the result.
+// The branches of PipeDP below are trapped by PipeDP itself.
 #pragma once
 
 #include <string_view>
@@ -51,11 +52,12 @@ constexpr double Hfl(double vsg) { return 1.0 / (1.0 + 1.0151 * vsg); }
 // 0 for X = 0.
 double HLM(RunContext& ctx, double X);
 
-// Beggs and Brill (1973) horizontal hold-up with the flow pattern limits L1..L4
-// of the revised map (Brill and Beggs, Two-Phase Flow in Pipes): segregated 0.98 L^0.4846 / NFR^0.0868,
-// intermittent 0.845 L^0.5351 / NFR^0.0173, distributed 1.065 L^0.5824 /
-// NFR^0.0609, with blends across the transition band L2..L3 and, in this
-// program, across 0.75 L1..L1 and 0.75 L4..L4. NFR <= 0 gives L.
+// Beggs and Brill (1973) horizontal hold-up with the flow pattern limits
+// L1..L4 of the revised map (Brill and Beggs, Two-Phase Flow in Pipes):
+// segregated 0.98 L^0.4846 / NFR^0.0868, intermittent 0.845 L^0.5351 /
+// NFR^0.0173, distributed 1.065 L^0.5824 / NFR^0.0609, with blends across the
+// transition band L2..L3 and, in this program, across 0.75 L1..L1 and
+// 0.75 L4..L4. NFR <= 0 gives L.
 double HBB(RunContext& ctx, double L, double NFR);
 
 // Dukler (1964) two-phase friction factor ratio f_tp / f_0 for constant slip:
@@ -103,9 +105,11 @@ double liquid_holdup(RunContext& ctx, std::string_view method, double ID, double
 //
 // Dukler (1964) constant-slip method (gen.MTP "Dukler", hold-up by
 // gen.MDUKHP) and Beggs and Brill (1973) (gen.MTP "Beggs-Brill", horizontal):
-// dP = alpha * beta * f(beta Re) * K' * G^2 / (2 rhoNS), with rhoNS the no-slip
-// density TPROP[3] and Re on the no-slip viscosity TPROP[6]. Beggs-Brill has
-// beta = 1. gen.MDUKF set takes the smooth-pipe friction factor, for both.
+// dP = alpha * beta * K * G^2 / (2 rhoNS), K the resistance coefficient with
+// the Darcy factor at beta * Re, rhoNS the no-slip density TPROP[3] and Re on
+// the no-slip viscosity TPROP[6]. alpha is the friction factor ratio of the
+// method; Beggs-Brill has beta = 1. gen.MDUKF set takes the smooth-pipe
+// friction factor, for both.
 // Stores DUK[1] = alpha, DUK[2] = beta, HUP = Hl, RE = beta Re.
 double dukler_beggs_brill_coefficient(RunContext& ctx, const Header& gen, Line& line, double ID, double IDH,
                                       bool per_100m);

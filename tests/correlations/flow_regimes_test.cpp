@@ -4,13 +4,12 @@
 
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "correlations/pipe.hpp"
+#include "../test_support.hpp"
 
 namespace velm {
 namespace {
@@ -23,16 +22,7 @@ protected:
 
     // Air and water with WL and WV t/h in a bore D, m.
     static Line flows(double WL, double WV, double D) {
-        Line l;
-        l.LVFLOW = {0.0, WL, WV};
-        l.TFLOW.value = WL + WV;
-        l.ID.value = l.IDH.value = D;
-        const double x = WL / (WL + WV);
-        l.LF = {0.0, x, x, x};
-        l.LPROP[1] = kRhoL;
-        l.LPROP[3] = kMuL;
-        l.VPROP[1] = kRhoV;
-        l.VPROP[3] = kMuV;
+        Line l = two_phase_line(WL, WV, D, kRhoL, kRhoV, kMuL, kMuV);
         l.LIQSUR[3] = 72.0;
         return l;
     }
@@ -80,13 +70,9 @@ TEST_F(FlowRegimeTest, HorizontalMapsAgainstFluids) {
         {"stratified_smooth", "Stratified"}, {"stratified_wavy", "Stratified"},
         {"annular", "Annular-Dispersed"},    {"bubbly", "Dispersed-Bubble"},
         {"intermittent", "Intermittent"}};
-    std::ifstream in(std::string(VELM_TEST_DATA) + "/two_phase_reference.csv");
     int rows = 0;
-    for (std::string text; std::getline(in, text);) {
-        std::vector<std::string> f;
-        std::istringstream s(text);
-        for (std::string item; std::getline(s, item, ',');) f.push_back(item);
-        if (f.size() < 15 || f[0] != "point" || f[1] != "air-water") continue;
+    for (const auto& f : reference_rows("two_phase_reference.csv", "point")) {
+        if (f.size() < 15 || f[1] != "air-water") continue;
         Line l = flows(std::stod(f[2]), std::stod(f[3]), std::stod(f[4]));
         pipe_flow_regime(ctx, l);
         EXPECT_EQ(l.REG[1], mandhane.at(f[13])) << f[2] << " + " << f[3] << " t/h";

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "../test_support.hpp"
 
 namespace velm {
 namespace {
@@ -18,16 +18,11 @@ constexpr double kR = 8.314462618;  // J/(mol K), CODATA 2018
 // Rows of one kind from tests/data/pipe_reference.csv (made by tools/pipe_reference.py
 // with python3-fluids), numbers only, the kind left off.
 std::vector<std::vector<double>> reference(const std::string& kind) {
-    std::ifstream in(std::string(VELM_TEST_DATA) + "/pipe_reference.csv");
     std::vector<std::vector<double>> rows;
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream s(line);
-        std::string item;
-        if (!std::getline(s, item, ',') || item != kind) continue;
+    for (const auto& fields : reference_rows("pipe_reference.csv", kind)) {
         rows.emplace_back();
-        while (std::getline(s, item, ',')) rows.back().push_back(std::stod(item));
+        for (std::size_t i = 1; i < fields.size(); ++i) rows.back().push_back(std::stod(fields[i]));
     }
-    EXPECT_FALSE(rows.empty()) << "no " << kind << " rows";
     return rows;
 }
 
@@ -70,15 +65,7 @@ protected:
     double W2(Line& l) { return PipeDP(ctx, gen, l, l.ID.value, l.IDH.value, "W2"); }
 
     // The messages logged since the last call, in order.
-    std::vector<std::string> messages() {
-        std::vector<std::string> out;
-        for (std::size_t at = 0; (at = ctx.run_log_text.find("\r\n", at)) != std::string::npos;) {
-            at += 2;
-            out.push_back(ctx.run_log_text.substr(at, ctx.run_log_text.find("\r\n", at) - at));
-        }
-        ctx.run_log_text.clear();
-        return out;
-    }
+    std::vector<std::string> messages() { return take_run_log(ctx); }
 
     RecordingInteraction ui;
     RunContext ctx{ui};
