@@ -26,7 +26,7 @@ constexpr double kInch = 0.0254;  // m
 constexpr double kShutValve = 100000000.0;
 constexpr double kNoChokedFlow = 1000000000.0;
 constexpr double kNoResistance = 1000000.0;
-constexpr double kLiquidLimit = 0.9999;
+
 // 1.4, the isentropic exponent of air at which xT is measured.
 constexpr double kAirK = 1.4;
 

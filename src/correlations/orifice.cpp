@@ -18,9 +18,6 @@ constexpr double kOrificeHead = 6.2544e-05;
 // Coefficients of a meter closed (beta 0) and of a beta out of range.
 constexpr double kBlindPlate = 1e9;
 constexpr double kNoPlate = 1e-09;
-// Liquid fraction above which a restriction passes liquid only.
-constexpr double kLiquidLimit = 0.9999;
-
 bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 
 double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }

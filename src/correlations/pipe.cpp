@@ -3,20 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
+#include "correlations/two_phase.hpp"
 #include "model/fault.hpp"
 
 namespace velm {
 
 namespace {
-
-// Liquid fraction limits: below kVapourLimit a line is vapour, above
-// kLiquidLimit liquid, strictly between them two-phase.
-constexpr double kVapourLimit = 0.0001;
-constexpr double kLiquidLimit = 0.9999;
-
-bool is_two_phase(double LF) { return LF > kVapourLimit && LF < kLiquidLimit; }
 
 // Colebrook-White by successive substitution. With x = 1/sqrt(f) and
 // u = -x * ln10 / 2, the equation reads u = ln(A - B * u), A = (EPS/D)/3.7,
@@ -116,19 +109,10 @@ PipeBranch pipe_branch(const Header& gen, double LF3) {
     return PipeBranch::Homogeneous;
 }
 
-namespace {
-
-// Friction data of the whole flow at the trial diameters, and the resistance
-// coefficient: 100 m of straight pipe in "dP100", else the line's length and
-// fittings.
-struct Friction {
-    double re, f, fT, K;
-};
-
-Friction line_friction(RunContext& ctx, const Line& line, double ID, double IDH, bool per_100m) {
+PipeFriction line_friction(RunContext& ctx, const Line& line, double ID, double IDH, bool per_100m) {
     const double W = line.TFLOW.value;
     const double eps = line.EPS.value;
-    Friction r{};
+    PipeFriction r{};
     r.re = Re(ctx, W, ID, IDH, line.TPROP[6]);
     r.f = pipe_f(ctx, eps, IDH, r.re);
     r.fT = pipe_fT(ctx, eps, IDH);
@@ -137,10 +121,11 @@ Friction line_friction(RunContext& ctx, const Line& line, double ID, double IDH,
     return r;
 }
 
-// The results a rating leaves in the line. The two-phase parameters (DUK, LM)
-// are zeroed: the single-phase methods have none. Assigning a short literal to
-// MTP stays within the string's own buffer, so nothing is allocated.
-void store_results(Line& line, const char* method, const Friction& fr, double dpacc, double hup) {
+// The two-phase parameters (DUK, LM) are zeroed here and set afterwards by
+// the method that has them. MTP reuses its buffer: a short name fits in the
+// string itself, and a longer one allocates only the first time a line holds
+// it, not on every evaluation.
+void store_pipe_results(Line& line, const char* method, const PipeFriction& fr, double dpacc, double hup) {
     line.MTP = method;
     line.RE = fr.re;
     line.F[1] = fr.f;
@@ -150,6 +135,8 @@ void store_results(Line& line, const char* method, const Friction& fr, double dp
     line.DUK[1] = line.DUK[2] = 0.0;
     std::fill(line.LM.begin() + 1, line.LM.end(), 0.0);
 }
+
+namespace {
 
 // Isothermal compressible flow of an ideal gas. For an ideal gas at constant
 // temperature (P1^2 - P2^2) * MW / (Z R T) = (rho1 + rho2) * (P1 - P2), so the
@@ -162,8 +149,8 @@ double isothermal_coefficient(RunContext& ctx, Line& line, double ID, double IDH
     double rho2 = W >= 0.0 ? line.TPROP[2] : line.TPROP[1];  // downstream end
     if (rho1 == 0.0) rho1 = 1e-06;
     if (rho2 == 0.0) rho2 = 1e-06;
-    const Friction fr = line_friction(ctx, line, ID, IDH, per_100m);
-    if (!per_100m) store_results(line, "Isothermal", fr, 0.0, 0.0);
+    const PipeFriction fr = line_friction(ctx, line, ID, IDH, per_100m);
+    if (!per_100m) store_pipe_results(line, "Isothermal", fr, 0.0, 0.0);
     const double ratio = rho1 / rho2;
     const double expansion = ratio > 0.0 ? 2.0 * checked_log(ratio) : 0.0;
     const double ID4 = ID * ID * ID * ID;
@@ -176,12 +163,12 @@ double isothermal_coefficient(RunContext& ctx, Line& line, double ID, double IDH
 double homogeneous_coefficient(RunContext& ctx, const Header& gen, Line& line, double ID, double IDH,
                                bool per_100m) {
     const double W = line.TFLOW.value;
-    const Friction fr = line_friction(ctx, line, ID, IDH, per_100m);
+    const PipeFriction fr = line_friction(ctx, line, ID, IDH, per_100m);
     double Cacc = 0.0;
     if (!per_100m) {
         Cacc = pipe_dP_acc(ctx, gen.MACCEL, line, ID, IDH);
-        store_results(line, "Homogeneous", fr, Cacc * W * std::abs(W),
-                      LVF(ctx, line.LF[3], line.VPROP[1], line.LPROP[1]));
+        store_pipe_results(line, "Homogeneous", fr, Cacc * W * std::abs(W),
+                           LVF(ctx, line.LF[3], line.VPROP[1], line.LPROP[1]));
     }
     const double ID4 = ID * ID * ID * ID;
     const double s = per_100m ? W : 1.0;
@@ -208,17 +195,17 @@ double PipeDP(RunContext& ctx, const Header& gen, Line& line, double ID, double 
             case PipeBranch::Homogeneous:
                 return homogeneous_coefficient(ctx, gen, line, ID, IDH, per_100m);
             case PipeBranch::DuklerBeggsBrill:
+                return dukler_beggs_brill_coefficient(ctx, gen, line, ID, IDH, per_100m);
             case PipeBranch::LockhartMartinelliChisholm:
+                return lockhart_martinelli_coefficient(ctx, gen, line, ID, IDH, per_100m);
             case PipeBranch::ChenowethMartin:
-                break;
+                return chenoweth_martin_coefficient(ctx, gen, line, ID, IDH, per_100m);
         }
-        // Projects that select a slip two-phase method are refused before a run.
-        ctx.log_error("Error! Two-phase method " + gen.MTP + " is not available.");
         return 0.0;
     });
 }
 
-double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, double ID, double /*IDH*/) {
+double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, double ID, double IDH) {
     return trapped(ctx, "Error! In pipe dP acc function = ", [&] {
         if (method == "None") return 0.0;
         const double rho1 = line.TPROP[1], rho2 = line.TPROP[2];
@@ -227,10 +214,8 @@ double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, d
             const double ID4 = ID * ID * ID * ID;
             return std::abs(checked((2.0 * kPipeHead / ID4) / line.TPROP[3] * checked_log(rho1 / rho2)));
         }
-        if (method == "Hughmark" || method == "GPSA" || method == "Lockhart-Martinelli") {
-            ctx.log_error("Error! Acceleration method " + std::string(method) + " is not available.");
-            return 0.0;
-        }
+        if (method == "Hughmark" || method == "GPSA" || method == "Lockhart-Martinelli")
+            return pipe_dP_acc_holdup(ctx, method, line, ID, IDH);
         // Homogeneous: the momentum flux G^2 / rho changes between the ends.
         if (!(rho1 > 0.0 && rho2 > 0.0 && ID > 0.0)) return 0.0;
         const double ID4 = ID * ID * ID * ID;

@@ -69,6 +69,13 @@ constexpr double mix_by_fraction(double fraction, double vapour, double liquid) 
     return fraction * liquid + (1.0 - fraction) * vapour;
 }
 
+// Liquid fraction limits: below kVapourLimit a line is vapour, above
+// kLiquidLimit liquid, strictly between them two-phase.
+inline constexpr double kVapourLimit = 0.0001;
+inline constexpr double kLiquidLimit = 0.9999;
+
+constexpr bool is_two_phase(double LF) { return LF > kVapourLimit && LF < kLiquidLimit; }
+
 // Homogeneous (no-slip) density, kg/m3: the phase densities mixed by LVF.
 double density(RunContext& ctx, double LF, double rhoV, double rhoL);
 
@@ -96,6 +103,20 @@ enum class PipeBranch {
 // LF3 of exactly 0.0001 or 0.9999 is homogeneous.
 PipeBranch pipe_branch(const Header& gen, double LF3);
 
+// Friction of the whole flow at the trial diameters ID and IDH (m): Reynolds
+// number on the mixture viscosity TPROP[6], Darcy factor f with the line's
+// roughness, fully turbulent factor fT, and the resistance coefficient K of
+// 100 m of straight pipe (per_100m) or of the line's length and fittings.
+struct PipeFriction {
+    double re, f, fT, K;
+};
+PipeFriction line_friction(RunContext& ctx, const Line& line, double ID, double IDH, bool per_100m);
+
+// Leaves a rating's results in the line: MTP = method, RE, F[1], F[2], DPACC
+// (kPa), HUP; zeroes DUK[1], DUK[2] and LM[1..7], which a two-phase method
+// fills in afterwards.
+void store_pipe_results(Line& line, const char* method, const PipeFriction& fr, double dpacc, double hup);
+
 // Coefficient C of dP = C * W * |W| (kPa, W t/h) for friction, fittings and
 // acceleration of a line, at the trial diameters ID (flow area) and IDH
 // (hydraulic), both m; every other input comes from the line's average
@@ -110,8 +131,10 @@ PipeBranch pipe_branch(const Header& gen, double LF3);
 // results are stored in the line (MTP, RE, F[1], F[2], DPACC, HUP, DUK, LM).
 // mode "dP100": the pressure drop in kPa per 100 m of straight pipe at W,
 // without fittings or acceleration; the line is not changed.
-// Returns 0, with a message, for zero density or diameter, for missing phase
-// properties of a two-phase line, and for two-phase methods not available.
+//   Two-phase methods (Dukler, Beggs-Brill, Lockhart-Martinelli, Chisholm,
+//   Chenoweth-Martin): see correlations/two_phase.hpp.
+// Returns 0, with a message, for zero density or diameter and for missing
+// phase properties of a two-phase line.
 double PipeDP(RunContext& ctx, const Header& gen, Line& line, double ID, double IDH, std::string_view mode);
 
 // Acceleration coefficient Cacc of dP = Cacc * W * |W|, always a loss (>= 0).
@@ -120,8 +143,9 @@ double PipeDP(RunContext& ctx, const Header& gen, Line& line, double ID, double 
 //   "Log": 2 * 6.254e-05 / ID^4 / rho_avg * |ln(rho1 / rho2)|;
 //   "Homogeneous" and any other name: 2 * 6.254e-05 / ID^4 * |1/rho2 - 1/rho1|,
 //   the momentum change of a no-slip mixture between the end densities.
-//   "Hughmark", "GPSA", "Lockhart-Martinelli": need the slip hold-up, not
-//   available here: a message and 0.
+//   "Hughmark", "GPSA", "Lockhart-Martinelli": the same between the momentum
+//   densities of the two ends with the slip hold-up of that method
+//   (pipe_dP_acc_holdup, correlations/two_phase.hpp).
 double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, double ID, double IDH);
 
 // Sonic velocity, m/s, of the line's average vapour: "Isothermal"

@@ -9,6 +9,7 @@
 #include "correlations/pipe.hpp"
 #include "correlations/sizing.hpp"
 #include "correlations/tee_expander.hpp"
+#include "correlations/two_phase.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/fault.hpp"
@@ -133,14 +134,27 @@ void diameter(RunContext& ctx, Project& p, Line& l, int iter) {
     l.IDH.value = l.ID.value;
 }
 
+// Density of the static column, kg/m3. A two-phase line holds back liquid
+// where it rises, so its column weighs the in-situ mixture: the hold-up by
+// gen.MDELEV (Flanigan by default) mixed between the phase densities. A
+// single-phase line takes its mixture density.
+void static_head_density(RunContext& ctx, const Header& g, Line& l) {
+    if (!is_two_phase(l.LF[3])) {
+        l.TPROP[4] = l.TPROP[3];
+        return;
+    }
+    const double Hl = liquid_holdup(ctx, g.MDELEV, l.ID.value, l.IDH.value, l.EPS.value, l.TFLOW.value, l.LF[3],
+                                    l.LPROP[1], l.LPROP[3], l.VPROP[1], l.VPROP[3]);
+    l.TPROP[4] = mix_by_fraction(Hl, l.VPROP[1], l.LPROP[1]);
+}
+
 void update_line(RunContext& ctx, Project& p, Line& l, int iter) {
     copy_from_reference(p, l);
     averages(l);
     densities(ctx, p.gen, l);
     conductivity(ctx, l);
     diameter(ctx, p, l, iter);
-    // Density of the static column: the mixture, for single-phase lines.
-    l.TPROP[4] = l.TPROP[3];
+    static_head_density(ctx, p.gen, l);
     l.VEL[1] = velocity(ctx, l.TFLOW.value, l.TPROP[1], l.ID.value);
     l.VEL[2] = velocity(ctx, l.TFLOW.value, l.TPROP[2], l.ID.value);
     l.VEL[4] = pipe_sonic_velocity(ctx, p.gen.MSONIC, l);

@@ -8,7 +8,7 @@
 
 #include "correlations/pipe.hpp"
 #include "model/context.hpp"
-#include "tests/run_log.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {

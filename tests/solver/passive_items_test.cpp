@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "model/context.hpp"
-#include "tests/run_log.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {
