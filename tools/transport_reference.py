@@ -258,10 +258,9 @@ def method_rows():
     for name, T, P, k in liquids:
         x = PURE.get(name, MIXTURES.get(name))
         add("LiqDensity", T, P, k, x, liq_density(T, P, x, k), LIQ_DENSITY_TOL, f"method {name}")
-        if name not in ("nitrogen-methane",):
-            add("LiqViscosity", T, P, 101.325, x, liq_viscosity(T, P, x, 101.325), METHOD_TOL, f"method {name}")
-            if P > 1000.0:  # the pressure correction counts from the project's atmospheric pressure
-                add("LiqViscosity", T, P, 85.0, x, liq_viscosity(T, P, x, 85.0), METHOD_TOL, f"method {name}")
+        add("LiqViscosity", T, P, 101.325, x, liq_viscosity(T, P, x, 101.325), METHOD_TOL, f"method {name}")
+        if P > 1000.0:  # the pressure correction counts from the project's atmospheric pressure
+            add("LiqViscosity", T, P, 85.0, x, liq_viscosity(T, P, x, 85.0), METHOD_TOL, f"method {name}")
         add("SurfTension", T, P, 0.0, x, surf_tension(T, x), METHOD_TOL, f"method {name}")
         add("LiqConductivity", T, P, 0.0, x, liq_conductivity(T, x), METHOD_TOL, f"method {name}")
     # Gases, low pressure and dense.

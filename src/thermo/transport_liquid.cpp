@@ -52,8 +52,10 @@ void log_density_data_missing(RunContext& ctx, std::size_t i) {
 // Molar liquid volume of a mixture, m3/kmol, below 0.95 of its pseudocritical
 // temperature: Rackett with Spencer-Danner ZRA, Chueh-Prausnitz Tcm, and the
 // Thomson-Brobst-Hankinson correction from the mixture vapor pressure to P.
-// From 0.95 on, the SRK liquid root. Components without ZC, TC, PC, LDen or
-// TDen add nothing to the mixture parameters.
+// From 0.95 on, the SRK liquid root. A component without LDen or TDen adds no
+// ZRA, Tc, Pc or acentric factor of its own, yet with ZC, TC and PC it still
+// counts in the volume fractions and as the partner j of the Tcm sum; one
+// without ZC, TC or PC counts in none of them.
 double mixture_liquid_molar_volume(RunContext& ctx, double T, double P, std::span<const double> x,
                                    const std::vector<CompProp>& comps,
                                    const std::vector<std::vector<double>>& kij) {
@@ -164,13 +166,9 @@ double LiqDensity(RunContext& ctx, double T, double P, std::span<const double> x
 double LiqViscosity(RunContext& ctx, double T, double P, std::span<const double> x,
                     const std::vector<CompProp>& comps, double patm) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(x, comps)) {
-            const double tw = water_liquid_temperature(T, 0.01);
-            const double v = Steam97(ctx, tw, P / 1000.0, kSteamLiquid, kSteamVolume);
-            if (v != 0.0) return Visc97(tw, 1.0 / v);
-            ctx.log_error("Error! Water liq visc unknown. Assume 1.0.");
-            return 1.0;
-        }
+        if (is_nearly_pure_water(x, comps))
+            return water_property(ctx, water_liquid_temperature(T, 0.01), P, kSteamLiquid, Visc97, 1.0,
+                                  "Error! Water liq visc unknown. Assume 1.0.");
         double m = cube_root_mixed_viscosity(ctx, T, x, comps);
         const double ksi = ((P - patm) / kKpaPerPsi) / 1000.0;
         const double e = (kKouzel0 + kKouzel1 * checked_pow(m, kKouzelExponent)) * ksi;
@@ -212,13 +210,9 @@ double SurfTension(RunContext& ctx, double T, double, std::span<const double> x,
 double LiqConductivity(RunContext& ctx, double T, double P, std::span<const double> x,
                        const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(x, comps)) {
-            const double tw = water_liquid_temperature(T, 0.1);
-            const double v = Steam97(ctx, tw, P / 1000.0, kSteamLiquid, kSteamVolume);
-            if (v != 0.0) return Cond97(tw, 1.0 / v);
-            ctx.log_error("Error! Water conductivity unknown. Assume 1.0.");
-            return 1.0;
-        }
+        if (is_nearly_pure_water(x, comps))
+            return water_property(ctx, water_liquid_temperature(T, 0.1), P, kSteamLiquid, Cond97, 1.0,
+                                  "Error! Water conductivity unknown. Assume 1.0.");
         // k = Tb^0.2904 (0.02551 - 1.982e-5 T), Tb the molar mean normal
         // boiling point in K: hydrocarbon liquids; it falls with T and is
         // zero near 1287 K.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "model/fault.hpp"
+#include "thermo/steam_if97.hpp"
 
 namespace velm::transport_support {
 
@@ -56,6 +57,14 @@ double srk_bi(RunContext& ctx, double T, double P, const CompProp& c) {
 }
 
 }  // namespace
+
+double water_property(RunContext& ctx, double T, double P, int phase, double (*prop)(double, double),
+                      double fallback, const char* missing) {
+    const double v = Steam97(ctx, T, P / 1000.0, phase, kSteamVolume);
+    if (v != 0.0) return prop(T, 1.0 / v);
+    ctx.log_error(missing);
+    return fallback;
+}
 
 double kij_at(const std::vector<std::vector<double>>& kij, std::size_t i, std::size_t j) {
     if (i >= kij.size() || j >= kij[i].size()) return 0.0;

@@ -34,6 +34,12 @@ inline double water_liquid_temperature(double T, double below_critical) {
 // Steam below 273.15 K is evaluated at 273.16 K.
 inline double water_vapor_temperature(double T) { return T < 273.15 ? 273.15 + 0.01 : T; }
 
+// A transport property of water, prop(T K, rho kg/m3), at the IAPWS-IF97
+// density of the phase (0 liquid, 1 vapor) at T and P (kPa); fallback, with
+// the message logged, where the steam tables give no volume.
+double water_property(RunContext& ctx, double T, double P, int phase, double (*prop)(double, double),
+                      double fallback, const char* missing);
+
 // kij(i, j), 0 outside the matrix.
 double kij_at(const std::vector<std::vector<double>>& kij, std::size_t i, std::size_t j);
 

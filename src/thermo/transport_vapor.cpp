@@ -86,13 +86,9 @@ double VapZ(RunContext& ctx, double T, double P, std::span<const double> y, cons
 double VapViscosity(RunContext& ctx, double T, double P, std::span<const double> y, double vapden,
                     const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(y, comps)) {
-            const double tw = water_vapor_temperature(T);
-            const double v = Steam97(ctx, tw, P / 1000.0, kSteamVapor, kSteamVolume);
-            if (v != 0.0) return Visc97(tw, 1.0 / v);
-            ctx.log_error("Error! Steam visc unknown. Assume 0.01.");
-            return 0.01;
-        }
+        if (is_nearly_pure_water(y, comps))
+            return water_property(ctx, water_vapor_temperature(T), P, kSteamVapor, Visc97, 0.01,
+                                  "Error! Steam visc unknown. Assume 0.01.");
         const std::size_t n = comp_count(y, comps);
         double weighted = 0.0, weights = 0.0;
         for (std::size_t i = 1; i < n; ++i) {
@@ -131,14 +127,9 @@ double VapViscosity(RunContext& ctx, double T, double P, std::span<const double>
 double VapConductivity(RunContext& ctx, double T, double P, std::span<const double> y,
                        const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(y, comps)) {
-            // The specific volume comes from the liquid-side equation at T and P.
-            const double tw = water_liquid_temperature(T, 0.1);
-            const double v = Steam97(ctx, tw, P / 1000.0, kSteamLiquid, kSteamVolume);
-            if (v != 0.0) return Cond97(tw, 1.0 / v);
-            ctx.log_error("Error! Steam conductivity unknown. Assume 0.1.");
-            return 0.1;
-        }
+        if (is_nearly_pure_water(y, comps))  // at the density of the liquid-side equation
+            return water_property(ctx, water_liquid_temperature(T, 0.1), P, kSteamLiquid, Cond97, 0.1,
+                                  "Error! Steam conductivity unknown. Assume 0.1.");
         const double mm = mixture_molar_mass(y, comps);
         const double tt = std::max(260.0, T);
         const double inv = checked_div(1.0, mm);
