@@ -115,17 +115,8 @@ double Comp_Vol_Flow(RunContext& ctx, const Project& p, const Comp& m, double& S
 
 double comp_efficiency(RunContext& ctx, const Comp& m, int case_no) {
     return trapped(ctx, "Error! In comp efficiency function = ", [&] {
-        const std::string_view e = case_entry(m.EFFC.spec, case_no);
-        double eff = 0.0;
-        if (e.empty()) {
-            eff = comp_efficiency_by_type(m.TYPE, std::max(std::fabs(m.QACT.value), 0.001));
-        } else if (spec_is(e, 1, 'C')) {
-            double slope = 0.0;
-            eff = y_lin(ctx, m.QACT.value, 1, m.HQ1, m.CURQ_value, m.CUREFF_value, slope);
-        } else {
-            eff = val_or_zero(e);
-        }
-        return limit_efficiency(eff);
+        const double by_type = comp_efficiency_by_type(m.TYPE, std::max(std::fabs(m.QACT.value), 0.001));
+        return curve_efficiency(ctx, m, case_entry(m.EFFC.spec, case_no), by_type, m.QACT.value);
     });
 }
 

@@ -210,19 +210,21 @@ double Pump_dP13(RunContext& ctx, const Project& p, const Pump& m, double& C, in
     return dP13;
 }
 
+double curve_efficiency(RunContext& ctx, const Machine& m, std::string_view entry, double by_type, double x) {
+    double eff = by_type;
+    if (spec_is(entry, 1, 'C')) {
+        double slope = 0.0;
+        eff = y_lin(ctx, x, 1, m.HQ1, m.CURQ_value, m.CUREFF_value, slope);
+    } else if (!entry.empty()) {
+        eff = val_or_zero(entry);
+    }
+    return limit_efficiency(eff);
+}
+
 double pump_efficiency(RunContext& ctx, const Pump& m, int case_no) {
     return trapped(ctx, "Error! In pump efficiency function = ", [&] {
-        const std::string_view e = case_entry(m.EFFP.spec, case_no);
-        double eff = 0.0;
-        if (e.empty()) {
-            eff = pump_efficiency_by_type(m.TYPE, std::fabs(m.HQACT[3]));
-        } else if (spec_is(e, 1, 'C')) {
-            double slope = 0.0;
-            eff = y_lin(ctx, m.HQACT[3], 1, m.HQ1, m.CURQ_value, m.CUREFF_value, slope);
-        } else {
-            eff = val_or_zero(e);
-        }
-        return limit_efficiency(eff);
+        const double by_type = pump_efficiency_by_type(m.TYPE, std::fabs(m.HQACT[3]));
+        return curve_efficiency(ctx, m, case_entry(m.EFFP.spec, case_no), by_type, m.HQACT[3]);
     });
 }
 

@@ -78,6 +78,11 @@ double curve_dP13(double W, double dP, double slope, double min_slope, double& C
 // An efficiency limited to 0.01..1.
 double limit_efficiency(double e);
 
+// Efficiency of a case entry, limited to 0.01..1: empty, the typical value
+// by_type; "C" from the machine's efficiency column at suction flow x (m3/h);
+// else the entry's number.
+double curve_efficiency(RunContext& ctx, const Machine& m, std::string_view entry, double by_type, double x);
+
 // Reads every curve row of the case (flow, head) and scales it to the speed
 // and impeller in use by the affinity laws: with both diameters non-zero,
 // Q * D2/D1 and H * (D2/D1)^2; with both speeds non-zero, Q * n2/n1 and

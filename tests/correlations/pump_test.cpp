@@ -1,7 +1,5 @@
 #include "correlations/pump.hpp"
 
-#include "model/text.hpp"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,30 +7,17 @@
 #include <string>
 #include <vector>
 
+#include "model/text.hpp"
+#include "tests/correlations/machine_reference.hpp"
+
 namespace velm {
 namespace {
 
 constexpr double g = 9.81;  // the program's head equations take g = 9.81 m/s2
 
-struct Point {
-    double Q, H;
-};
-
-// Straight-line interpolation of a curve, the test's own, for x inside it.
-double interpolate(const std::vector<Point>& c, double x) {
-    for (std::size_t i = 1; i < c.size(); ++i)
-        if (x <= c[i].Q) return c[i - 1].H + (c[i].H - c[i - 1].H) * (x - c[i - 1].Q) / (c[i].Q - c[i - 1].Q);
-    return c.back().H;
-}
-
-// Root of f on [a, b] by bisection; f(a) and f(b) differ in sign.
-double bisect(const std::function<double(double)>& f, double a, double b) {
-    for (int i = 0; i < 200; ++i) {
-        const double m = 0.5 * (a + b);
-        (f(a) * f(m) <= 0.0 ? b : a) = m;
-    }
-    return 0.5 * (a + b);
-}
+using machine_reference::bisect;
+using machine_reference::interpolate;
+using machine_reference::Point;
 
 // A pump P1 between a suction line 1 and a discharge line 2, one liquid.
 class PumpTest : public ::testing::Test {
@@ -61,12 +46,8 @@ protected:
     Pump& pump() { return p.pumps[1]; }
 
     void flow(double W, double rho, double vel) {
-        for (std::size_t i : {1, 2}) {
-            Line& l = p.lines[i];
-            l.TFLOW.value = W;
-            l.TPROP = {0.0, rho, rho, rho, rho, 0.0, 1.0};
-            l.VEL = {0.0, vel, vel, vel, 0.0};
-        }
+        machine_reference::through_lines(p, W, rho);
+        for (std::size_t i : {1, 2}) p.lines[i].VEL = {0.0, vel, vel, vel, 0.0};
     }
 
     void curve(const std::vector<Point>& c) {
