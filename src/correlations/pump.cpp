@@ -36,7 +36,9 @@ double pump_efficiency_by_type(std::string_view type, double Q) {
 // with P the shaft power in hp, by five substitutions from a first guess of
 // 0.6. dPQ is rise (kPa) times flow (m3/h); E the pump efficiency.
 double reciprocating_shaft(double dPQ, double E) {
-    const auto horsepower = [&](double es) { return std::fabs(checked_div(checked_div(dPQ, E), es) / 3600.0) * kHpPerKw; };
+    const auto horsepower = [&](double es) {
+        return std::fabs(checked_div(checked_div(dPQ, E), es) / 3600.0) * kHpPerKw;
+    };
     double P = horsepower(0.6);
     double es = 0.0;
     for (int k = 0; k < 5; ++k) {
@@ -116,7 +118,8 @@ double y_lin(RunContext& ctx, double x, int a, int b, std::span<const double> X,
 
 double curve_dP13(double W, double dP, double slope, double min_slope, double& C) {
     double c = 0.0;
-    if (std::fabs(W) >= kAtRest && sgn(W) * sgn(dP) >= 0.0) c = checked_div(-kHeadGravity * (sgn(W) * min_slope + slope), 2.0 * W);
+    if (std::fabs(W) >= kAtRest && sgn(W) * sgn(dP) >= 0.0)
+        c = checked_div(-kHeadGravity * (sgn(W) * min_slope + slope), 2.0 * W);
     const double dP13 = checked(W * W * c + dP);
     C = c;
     return dP13;
@@ -141,7 +144,8 @@ double machine_curve_scale(RunContext& ctx, Machine& m, int case_no, std::string
     const auto tell = [&](const char* level, const char* what) {
         ctx.log_error(std::string(level) + std::string(word) + trim(m.NAME[1]) + what);
     };
-    if (m.CURRPM[2] != 0.0 && m.CURRPM[1] == 0.0) tell("Warning! ", " curve speed is 0: curve not scaled to the speed in use.");
+    if (m.CURRPM[2] != 0.0 && m.CURRPM[1] == 0.0)
+        tell("Warning! ", " curve speed is 0: curve not scaled to the speed in use.");
     if (m.CURDIA[2] != 0.0 && m.CURDIA[1] == 0.0)
         tell("Warning! ", " curve impeller is 0: curve not scaled to the impeller in use.");
     const int n = std::min(m.HQ1, kCurvePoints);

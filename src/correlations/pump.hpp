@@ -133,12 +133,15 @@ double pump_efficiency(RunContext& ctx, const Pump& m, int case_no);
 double pump_efficiency_shaft(RunContext& ctx, const Pump& m, int case_no);
 
 // Net positive suction head available, m, for the case: the number of NPSHA13
-// when given; else, with forward flow, from the suction source (Feed NPSHAF[1]
-// or Vessel NPSHAF[2], at the liquid head over its outlet nozzle NPSHA[3]):
+// when given; else, with forward flow, from the suction source, the Feed
+// NPSHAF[1] (Ps its pressure) or else the Vessel NPSHAF[2] (Ps the pressure at
+// its outlet nozzle NPSHA[3]: the vessel's pressure plus the liquid head over
+// that nozzle, so the liquid above the nozzle gives no credit):
 //   (v / eyes)^2 / 2g + 1000 Pin / (rho g) - 1000 (Ps - subcooling) / (rho g) - NPSHA[6],
-// the source's vapour pressure being its pressure Ps less the subcooling
-// NPSHA[4]. Gauge pressures cancel, so PATM does not enter. Stores the
-// source's pressure in NPSHA1. 0 with reverse flow or no source.
+// the vapour pressure being Ps less the subcooling NPSHA[4]; v, Pin and rho
+// those of the suction. Gauge pressures cancel, so PATM does not enter. Stores
+// the source's own pressure in NPSHA1. 0 with reverse flow or no source; a
+// source that does not exist is told.
 double pump_NPSHA(RunContext& ctx, const Project& p, Pump& m, int case_no);
 
 // Net positive suction head required, m, for the case: empty, from the
