@@ -86,18 +86,15 @@ double comp_dP_from_head(RunContext& ctx, const Header& gen, double sign, double
 }
 
 double Comp_dP13(RunContext& ctx, const Project& p, const Comp& m, double& C, int case_no) {
-    C = 0.0;
-    double c = 0.0;
-    const double dP13 = trapped(ctx, "Error! In Comp dP13 function = ", [&] {
+    C = 0.0;  // curve_dP13 sets it only once the rise is known
+    return trapped(ctx, "Error! In Comp dP13 function = ", [&] {
         if (!spec_is(m.DP.spec, case_no, 'C')) return spec_value(m.DP.spec, case_no);
         const CompWorking s = compressor_properties(ctx, p, m);
         double slope = 0.0;
-        const double H = y_lin(ctx, vol_flow(s.W, s.Den), 1, m.HQ1, m.CURQ_value, m.CURH_value, slope);
+        const double H = curve_head(ctx, m, s.W, s.Den, slope);
         const double dP = comp_dP_from_head(ctx, p.gen, sgn(s.W), H, s.Pin, s.Den, s.N);
-        return curve_dP13(s.W, dP, slope, p.gen.MPCURV[2], c);
+        return curve_dP13(s.W, dP, slope, p.gen.MPCURV[2], C);
     });
-    C = c;
-    return dP13;
 }
 
 double Comp_Vol_Flow(RunContext& ctx, const Project& p, const Comp& m, double& S, int case_no) {

@@ -200,18 +200,19 @@ void pump_curve_generate(Pump& m, std::span<const double> q, std::span<const dou
     for (std::size_t i = 1; i < n; ++i) m.CURNPSH[i] = number_text(m.NPSHR13.value * npsh[i] / 100.0);
 }
 
+double curve_head(RunContext& ctx, const Machine& m, double W, double density, double& slope) {
+    return y_lin(ctx, vol_flow(W, density), 1, m.HQ1, m.CURQ_value, m.CURH_value, slope);
+}
+
 double Pump_dP13(RunContext& ctx, const Project& p, const Pump& m, double& C, int case_no) {
-    C = 0.0;
-    double c = 0.0;
-    const double dP13 = trapped(ctx, "Error! In Pump dP13 function = ", [&] {
+    C = 0.0;  // curve_dP13 sets it only once the rise is known
+    return trapped(ctx, "Error! In Pump dP13 function = ", [&] {
         if (!spec_is(m.DP.spec, case_no, 'C')) return spec_value(m.DP.spec, case_no);
         const PumpWorking s = pump_properties(ctx, p, m);
         double slope = 0.0;
-        const double H = y_lin(ctx, vol_flow(s.W, s.Den), 1, m.HQ1, m.CURQ_value, m.CURH_value, slope);
-        return curve_dP13(s.W, dP_from_head(H, s.Den), slope, p.gen.MPCURV[1], c);
+        const double dP = dP_from_head(curve_head(ctx, m, s.W, s.Den, slope), s.Den);
+        return curve_dP13(s.W, dP, slope, p.gen.MPCURV[1], C);
     });
-    C = c;
-    return dP13;
 }
 
 double curve_efficiency(RunContext& ctx, const Machine& m, std::string_view entry, double by_type, double x) {

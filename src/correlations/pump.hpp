@@ -72,8 +72,13 @@ double y_lin(RunContext& ctx, double x, int a, int b, std::span<const double> X,
 // machine at flow W (t/h), from the curve's rise dP (kPa) there and its slope
 // dH/dQ (m per m3/h). The slope is made steeper by sign(W) * min_slope; C is
 // -9.81 * slope / (2 W), or 0 for a machine at rest (|W| < 1e-06) or one whose
-// rise opposes the flow. dP13 = W^2 * C + dP.
+// rise opposes the flow. dP13 = W^2 * C + dP. C is left as it was when a
+// numeric fault stops the routine.
 double curve_dP13(double W, double dP, double slope, double min_slope, double& C);
+
+// Head (m) on a machine's curve at W (t/h) and suction density (kg/m3), and
+// the curve's slope dH/dQ (out, m per m3/h) there.
+double curve_head(RunContext& ctx, const Machine& m, double W, double density, double& slope);
 
 // An efficiency limited to 0.01..1.
 double limit_efficiency(double e);
