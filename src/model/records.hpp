@@ -231,6 +231,10 @@ struct Machine : TwoPort {
     std::array<double, 3> CURRPM{}, CURDIA{};
     int HQ1 = 0;                             // HQ[1], key CURNP: curve points in use
     std::array<std::string, kCurvePoints + 1> CURQ, CURH, CUREFF;
+
+    // Not on file: the curve columns as numbers for the case in force, scaled
+    // to the speed and impeller in use (set on the first pass of each case).
+    std::array<double, kCurvePoints + 1> CURQ_value{}, CURH_value{}, CUREFF_value{};
 };
 
 struct Pump : Machine {
@@ -245,6 +249,10 @@ struct Pump : Machine {
     double NPSHA6 = 0.0;                     // contingency, m
     int NPSHR1 = 0;                          // 1 single, 2 double suction
     int32_t NPSHR2 = 0, NPSHR3 = 0;          // speed, suction specific speed
+
+    // Not on file.
+    std::array<double, kCurvePoints + 1> CURNPSH_value{};  // NPSHR column, scaled like the curve
+    double NPSHA1 = 0.0;                     // NPSHA[1]: source pressure of the last estimate, kPag
 };
 
 struct Comp : Machine {

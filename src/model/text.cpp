@@ -10,12 +10,14 @@ namespace {
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 }  // namespace
 
-std::string trim(std::string_view s) {
+std::string_view trim_view(std::string_view s) {
     std::size_t a = 0, b = s.size();
     while (a < b && is_blank(s[a])) ++a;
     while (b > a && is_blank(s[b - 1])) --b;
-    return std::string(s.substr(a, b - a));
+    return s.substr(a, b - a);
 }
+
+std::string trim(std::string_view s) { return std::string(trim_view(s)); }
 
 std::string trim_right(std::string_view s) {
     std::size_t b = s.size();
@@ -64,9 +66,8 @@ std::optional<double> parse_number(std::string_view s) {
 }
 
 double leading_number(std::string_view s) {
-    const std::string t = trim(s);
     double v = 0.0;
-    return parse_prefix(t, v) > 0 ? v : 0.0;
+    return parse_prefix(trim_view(s), v) > 0 ? v : 0.0;
 }
 
 std::string number_text(double v) {

@@ -7,6 +7,8 @@
 
 namespace velm {
 
+// The text without leading and trailing blanks (spaces and tabs), as a view.
+std::string_view trim_view(std::string_view s);
 std::string trim(std::string_view s);
 std::string trim_right(std::string_view s);
 std::string upper(std::string_view s);
