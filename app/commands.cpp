@@ -148,7 +148,6 @@ int command_check(const std::string& file, const ReadOptions& opt) {
     if (!load_project(ctx, p, file)) return 2;
     std::string msg;
     CheckConnectivity(p, msg);
-    if (msg.empty()) check_supported(p, msg);
     if (!msg.empty()) {
         std::cout << msg << "\n";
         return 1;

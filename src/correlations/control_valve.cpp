@@ -32,7 +32,6 @@ constexpr double kAirK = 1.4;
 
 bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 
-double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 
 std::string_view trimmed(std::string_view s) {
     while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);

@@ -20,7 +20,6 @@ constexpr double kBlindPlate = 1e9;
 constexpr double kNoPlate = 1e-09;
 bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 
-double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 
 enum class Meter { Unknown, Orifice, Quadrant, Nozzle, Venturi };
 

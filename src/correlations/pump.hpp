@@ -20,6 +20,7 @@
 #include <string_view>
 
 #include "model/context.hpp"
+#include "model/fault.hpp"
 #include "model/records.hpp"
 
 namespace velm {
@@ -35,8 +36,6 @@ struct PumpWorking {
     double Vel = 0.0;  // suction velocity, m/s: the upstream line's velocity at the pump
 };
 
-// -1, 0 or +1.
-constexpr double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 
 // Line n of the project, nullptr when n is not a line.
 const Line* machine_line(const Project& p, int n);

@@ -18,7 +18,6 @@ namespace {
 // the reducers and nozzles carrying one digit more than the lines' kPipeHead.
 constexpr double kEquipmentHead = 6.2544e-05;
 
-double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 double sq(double v) { return v * v; }
 
 // The line on a port of an element, nullptr when the number is no line.

@@ -35,6 +35,9 @@ inline double checked(double v) {
     raise_fault(std::isnan(v) ? kFaultInvalidCall : kFaultOverflow);
 }
 
+// The sign of v: -1, 0 or 1.
+constexpr double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
+
 inline double checked_log(double x) {
     if (!(x > 0.0)) raise_fault(kFaultInvalidCall);
     return std::log(x);

@@ -155,67 +155,6 @@ void CheckConnectivity(Project& p, std::string& msg) {
               "Info ! For purely recycle circuit, add Feed and do NOT specify flow as zero.";
 }
 
-namespace {
-
-// Hold-up methods of the acceleration term need the two-phase correlations.
-bool holdup_acceleration(const std::string& m) { return m == "Hughmark" || m == "GPSA" || m == "Lockhart-Martinelli"; }
-
-bool uses_equation(const Project& p, const std::string& spec) {
-    const int cases = case_count(p.gen.CASENO);
-    for (int k = 1; k <= cases; ++k)
-        if (spec_is(spec, case_count_or_value(p.gen.CASENO, k), 'E')) return true;
-    return false;
-}
-
-template <class R>
-bool holds(const std::vector<R>& v, const char* what, std::string& msg) {
-    if (v.size() <= 1) return false;
-    msg = "Error! " + std::string(what) + " " + trim(v[1].NAME[1]) + ": this build does not solve " + what +
-          " records yet.";
-    return true;
-}
-
-}  // namespace
-
-void check_supported(Project& p, std::string& msg) {
-    msg.clear();
-    if (holds(p.valves, "Valve", msg) || holds(p.checks, "Check", msg) || holds(p.pumps, "Pump", msg) ||
-        holds(p.comps, "Compressor", msg) || holds(p.hxs, "Exchanger", msg) || holds(p.fos, "Orifice", msg) ||
-        holds(p.miscs, "Misc", msg) || holds(p.expands, "Expander/Reducer", msg) || holds(p.tees, "Tee", msg))
-        return;
-    if (holdup_acceleration(p.gen.MACCEL)) {
-        msg = "Error! Acceleration method " + p.gen.MACCEL + " is not available in this build yet.";
-        return;
-    }
-    for (std::size_t i = 1; i < p.lines.size(); ++i) {
-        Line& l = p.lines[i];
-        const std::string name = trim(l.NAME[1]);
-        for (std::size_t e : {1, 2})
-            if (l.LF[e] > 0.0001 && l.LF[e] < 0.9999) {
-                msg = "Error! Line " + name + " is two-phase; two-phase lines are not solved by this build yet.";
-                break;
-            }
-        if (msg.empty() && uses_equation(p, l.TFLOW.spec))
-            msg = "Error! Line " + name + " flow uses a user equation; user equations are not available in this build yet.";
-        if (!msg.empty()) {
-            l.COLOR = p.color_error;
-            return;
-        }
-    }
-    auto boundary = [&](auto& v, const char* word) {
-        for (std::size_t i = 1; i < v.size(); ++i)
-            if (uses_equation(p, v[i].PRES.spec) || uses_equation(p, v[i].DP.spec)) {
-                v[i].COLOR = p.color_error;
-                msg = "Error! " + std::string(word) + trim(v[i].NAME[1]) +
-                      " uses a user equation; user equations are not available in this build yet.";
-                return true;
-            }
-        return false;
-    };
-    if (boundary(p.feeds, "Feed ")) return;
-    boundary(p.prods, "Product ");
-}
-
 void HydrInit(RunContext& ctx, Project& p) {
     const bool fresh = !ctx.resume_run;
     const double patm = p.gen.PATM;

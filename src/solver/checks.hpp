@@ -12,9 +12,6 @@ struct RunContext;
 // Refuses a drawing that cannot form a network: stops at the first fault,
 // leaves its text in msg and flags the record.
 void CheckConnectivity(Project& p, std::string& msg);
-// Refuses, with a clear message, a project that needs equipment or methods
-// this build does not solve yet, so that nothing is solved wrongly.
-void check_supported(Project& p, std::string& msg);
 // Start values of a run: pressures, flows, roughness and friction factors
 // (re-guessed on a fresh run, kept on a resumed one); bad values are reset.
 void HydrInit(RunContext& ctx, Project& p);

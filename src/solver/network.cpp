@@ -1,11 +1,14 @@
 #include "solver/network.hpp"
 
+#include "solver/rows.hpp"
+
 #include <cmath>
 
 #include "correlations/pipe.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/fault.hpp"
+#include "solver/equations.hpp"
 
 namespace velm {
 
@@ -15,9 +18,6 @@ namespace {
 enum EndKind { kFeedEnd, kProdEnd, kValveEnd, kCheckEnd, kPumpEnd, kCompEnd, kHXEnd, kFOEnd, kMiscEnd, kExpandEnd,
                kTeeEnd, kJuncEnd, kVesselEnd };
 
-double sgn(double v) { return v > 0 ? 1.0 : (v < 0 ? -1.0 : 0.0); }
-
-bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 
 }  // namespace
 
@@ -138,39 +138,6 @@ double end_elevation(const Project& p, const LineEnd& e) {
     }
 }
 
-// Writes rows into the compressed storage, or only counts them.
-struct Rows {
-    Network& net;
-    bool build;
-    int row = 0;
-
-    int begin() {
-        ++row;
-        if (build) {
-            if (static_cast<std::size_t>(row) + 1 >= net.IA.size()) net.IA.resize(static_cast<std::size_t>(row) + 2, 0);
-            if (static_cast<std::size_t>(row) >= net.B.size()) net.B.resize(static_cast<std::size_t>(row) + 1, 0.0);
-            net.IA[static_cast<std::size_t>(row)] = 0;
-            net.B[static_cast<std::size_t>(row)] = 0.0;
-        }
-        return row;
-    }
-    void add(double value, int col) {
-        if (!build) return;
-        ++net.entries;
-        const auto k = static_cast<std::size_t>(net.entries);
-        if (k >= net.A.size()) {
-            net.A.resize(k + 1);
-            net.JA.resize(k + 1);
-        }
-        net.A[k] = value;
-        net.JA[k] = col;
-        if (net.IA[static_cast<std::size_t>(row)] == 0) net.IA[static_cast<std::size_t>(row)] = net.entries;
-    }
-    void rhs(double v) {
-        if (build) net.B[static_cast<std::size_t>(row)] = v;
-    }
-};
-
 // Line rows: P_up - P_down - (K + Knoz)*X = dP_elevation + level terms.
 void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
     const Columns& c = net.cols;
@@ -274,13 +241,34 @@ int first_outlet_line(const Project& p, const Vessel& v) {
 }
 
 // Specification rows of the boundaries, nodes and lines.
+// A user equation as the row of an unknown: own_col with its value, the
+// line's X column with its flow; extra_rhs is added to the right side and
+// slope_off taken off the coefficient on the line's X.
+void equation_row(RunContext& ctx, Project& p, const Network& net, Rows& rows, const Equation& eqn, int own_col,
+                  double own_value, int line, double extra_rhs = 0.0, double slope_off = 0.0) {
+    const int x_col = is_line(p, line) ? net.cols.line + line : own_col;
+    int col_w = x_col, col_p = own_col;
+    double W = is_line(p, line) ? p.lines[static_cast<std::size_t>(line)].TFLOW.value : 0.0, P = own_value;
+    const double rhs = equation(ctx, p, net.cols, eqn, col_w, W, col_p, P);
+    rows.add(col_w == x_col ? W - slope_off : W, col_w);
+    if (col_p != col_w) rows.add(P, col_p);
+    rows.rhs(rhs + extra_rhs);
+}
+
+// Specification rows of the boundaries, equipment, nodes and lines.
 void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_no) {
     const Columns& c = net.cols;
     const int lb = c.line;
-    auto fixed = [&](int col, double value) {
+    auto fixed = [&](int col, double value) { fixed_row(rows, col, value); };
+    // A boundary pressure: a number, or a user equation ("E").
+    auto pressure = [&](Boundary& b, const Pair& pr, int col) {
+        if (!is_specified(pr.spec, case_no)) return;
+        if (!spec_is(pr.spec, case_no, 'E')) {
+            fixed(col, spec_value(pr.spec, case_no));
+            return;
+        }
         rows.begin();
-        rows.add(1.0, col);
-        rows.rhs(value);
+        if (rows.build) equation_row(ctx, p, net, rows, b.EQN, col, pr.value, b.NOZ.CON);
     };
     // The drop between a boundary and its line, first column minus second
     // (source minus pipe inlet at a feed, pipe outlet minus sink at a product);
@@ -294,22 +282,27 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         rows.begin();
         rows.add(1.0, first);
         rows.add(-1.0, second);
+        if (spec_is(b.DP.spec, case_no, 'E')) {
+            if (rows.build) equation_row(ctx, p, net, rows, b.EQN, lb + line, b.DP.value, line, b.NOZ.dPLevel, b.NOZ.KFlow);
+            return;
+        }
         if (is_line(p, line)) rows.add(-b.NOZ.KFlow, lb + line);
         rows.rhs(spec_value(b.DP.spec, case_no) + b.NOZ.dPLevel);
     };
     for (int i = 1; i <= count(p.feeds); ++i) {
         Feed& f = p.feeds[i];
         const int source = Columns::first(c.feed, i), pipe_inlet = Columns::second(c.feed, i);
-        if (is_specified(f.PRES.spec, case_no)) fixed(source, spec_value(f.PRES.spec, case_no));
+        pressure(f, f.PRES, source);
         if (is_specified(f.DP.spec, case_no)) boundary_dp(f, source, pipe_inlet, pipe_inlet);
     }
     for (int i = 1; i <= count(p.prods); ++i) {
         Prod& d = p.prods[i];
         const int pipe_outlet = Columns::first(c.prod, i), sink = Columns::second(c.prod, i);
-        if (is_specified(d.PRES.spec, case_no)) fixed(sink, spec_value(d.PRES.spec, case_no));
+        pressure(d, d.PRES, sink);
         if (is_specified(d.PIN.spec, case_no)) fixed(pipe_outlet, spec_value(d.PIN.spec, case_no));
         if (is_specified(d.DP.spec, case_no)) boundary_dp(d, pipe_outlet, sink, pipe_outlet);
     }
+    equipment_spec_rows(ctx, p, net, rows, case_no);
     for (int i = 1; i <= count(p.juncs); ++i)
         if (is_specified(p.juncs[i].PRES.spec, case_no))
             fixed(c.junc + i, spec_value(p.juncs[i].PRES.spec, case_no));
@@ -326,9 +319,14 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         rows.add(-node_coef(p.lines[out]), lb + out);
     }
     for (int i = 1; i <= count(p.lines); ++i) {
-        const std::string& spec = p.lines[i].TFLOW.spec;
-        if (!is_specified(spec, case_no) || spec_is(spec, case_no, 'V')) continue;
-        const double v = spec_value(spec, case_no);
+        Line& l = p.lines[i];
+        if (!is_specified(l.TFLOW.spec, case_no) || spec_is(l.TFLOW.spec, case_no, 'V')) continue;
+        if (spec_is(l.TFLOW.spec, case_no, 'E')) {
+            rows.begin();
+            if (rows.build) equation_row(ctx, p, net, rows, l.EQN, lb + i, l.TFLOW.value, i);
+            continue;
+        }
+        const double v = spec_value(l.TFLOW.spec, case_no);
         fixed(lb + i, v * std::fabs(v));
     }
 }

@@ -5,13 +5,13 @@
 
 #include "correlations/tee_expander.hpp"
 #include "model/context.hpp"
+#include "model/fault.hpp"
 #include "model/text.hpp"
 
 namespace velm {
 
 namespace {
 
-double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 
 Line* line_at(Project& p, int n) { return n >= 1 && n <= count(p.lines) ? &p.lines[static_cast<std::size_t>(n)] : nullptr; }
 

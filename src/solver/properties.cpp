@@ -6,7 +6,11 @@
 #include <cmath>
 
 #include "correlations/fittings.hpp"
+#include "correlations/compressor.hpp"
+#include "correlations/control_valve.hpp"
+#include "correlations/orifice.hpp"
 #include "correlations/pipe.hpp"
+#include "correlations/pump.hpp"
 #include "correlations/sizing.hpp"
 #include "correlations/tee_expander.hpp"
 #include "correlations/two_phase.hpp"
@@ -15,6 +19,7 @@
 #include "model/fault.hpp"
 #include "model/pipe_table.hpp"
 #include "model/text.hpp"
+#include "solver/passive_items.hpp"
 
 namespace velm {
 
@@ -252,7 +257,15 @@ void Hydr_UpdateProperties(RunContext& ctx, Project& p, int iter, int case_no) {
     if (case_no <= 0) return;
     for (std::size_t i = 1; i < p.feeds.size(); ++i) refresh_boundary(ctx, p, p.feeds[i], case_no, true);
     for (std::size_t i = 1; i < p.prods.size(); ++i) refresh_boundary(ctx, p, p.prods[i], case_no, false);
+    for (std::size_t i = 1; i < p.fos.size(); ++i) refresh_orifice(ctx, p, p.fos[i], iter, case_no);
+    for (std::size_t i = 1; i < p.valves.size(); ++i) refresh_valve(ctx, p, p.valves[i], iter, case_no);
+    for (std::size_t i = 1; i < p.pumps.size(); ++i) refresh_pump(ctx, p, p.pumps[i], iter, case_no);
+    for (std::size_t i = 1; i < p.comps.size(); ++i) refresh_comp(ctx, p, p.comps[i], iter, case_no);
+    for (std::size_t i = 1; i < p.hxs.size(); ++i) refresh_nozzle_item(ctx, p, p.hxs[i]);
+    for (std::size_t i = 1; i < p.miscs.size(); ++i) refresh_nozzle_item(ctx, p, p.miscs[i]);
     for (std::size_t i = 1; i < p.vessels.size(); ++i) refresh_vessel(ctx, p, p.vessels[i], case_no);
+    for (std::size_t i = 1; i < p.tees.size(); ++i) refresh_tee(ctx, p, p.tees[i]);
+    for (std::size_t i = 1; i < p.expands.size(); ++i) refresh_expander(ctx, p, p.expands[i]);
 }
 
 }  // namespace velm

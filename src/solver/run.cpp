@@ -148,7 +148,6 @@ RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
         restore_all_colors(p);
         ctx.log_error("Check input.");
         CheckConnectivity(p, msg);
-        if (msg.empty()) check_supported(p, msg);
         if (!msg.empty()) {
             title = kNotReached;
         } else {

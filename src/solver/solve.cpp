@@ -11,7 +11,6 @@ namespace velm {
 
 namespace {
 
-double sgn(double v) { return v > 0 ? 1.0 : (v < 0 ? -1.0 : 0.0); }
 
 bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 

@@ -275,15 +275,6 @@ TEST(Network, TheMessageThatFillsTheRunLogIsDropped) {
     EXPECT_EQ(file.substr(file.size() - 6), "\r\nkept");
 }
 
-TEST(Network, KindsNotYetSolvedAreRefusedNotSolvedWrongly) {
-    Session s("refuse");
-    simple_network(s.p);
-    s.p.lines[2].LF = {0, 0.5, 0.5, 0.5};
-    const RunResult r = s.run();
-    EXPECT_EQ(r.message, "Error! Line L2 is two-phase; two-phase lines are not solved by this build yet.");
-    EXPECT_TRUE(r.cases.empty());
-}
-
 }  // namespace
 }  // namespace velm
 
