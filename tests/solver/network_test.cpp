@@ -60,6 +60,16 @@ std::vector<double> unknowns(const Project& p, const Columns& c) {
         put(Columns::first(c.prod, i), p.prods[i].PIN.value);
         put(Columns::second(c.prod, i), p.prods[i].PRES.value);
     }
+    auto two = [&](const auto& v, int base) {
+        for (int i = 1; i <= count(v); ++i) {
+            put(Columns::first(base, i), v[i].PIN.value);
+            put(Columns::second(base, i), v[i].POUT.value);
+        }
+    };
+    two(p.valves, c.valve), two(p.checks, c.check), two(p.pumps, c.pump), two(p.comps, c.comp);
+    two(p.hxs, c.hx), two(p.fos, c.fo), two(p.miscs, c.misc), two(p.expands, c.expand);
+    for (int i = 1; i <= count(p.tees); ++i)
+        for (int j = 1; j <= 3; ++j) put(c.tee + 3 * (i - 1) + j, p.tees[i].PRES[j]);
     for (int i = 1; i <= count(p.juncs); ++i) put(c.junc + i, p.juncs[i].PRES.value);
     for (int i = 1; i <= count(p.vessels); ++i) put(c.vessel + i, p.vessels[i].PRES.value);
     for (int i = 1; i <= count(p.lines); ++i) {
@@ -70,7 +80,8 @@ std::vector<double> unknowns(const Project& p, const Columns& c) {
 }
 
 TEST(Network, ExamplesConvergeToAStateThatSatisfiesEveryRow) {
-    for (const char* example : {"gravity_transfer.vdf", "cooling_water_loop.vdf", "flash_drum.vdf"}) {
+    for (const char* example : {"gravity_transfer.vdf", "cooling_water_loop.vdf", "flash_drum.vdf", "pump_loop.vdf",
+                                "compressor_station.vdf", "tee_header.vdf"}) {
         Session s("rows");
         s.load(example);
         s.ctx.soserror = 1e-12;
