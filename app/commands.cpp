@@ -119,6 +119,7 @@ int command_run(const RunOptions& opt) {
     RunContext ctx(ui);
     Project p;
     if (!load_project(ctx, p, opt.project)) return 2;
+    if (!opt.mtp.empty()) p.gen.MTP = opt.mtp;
     ctx.data_dir = opt.out.empty() ? default_data_dir() : std::filesystem::path(opt.out);
     std::error_code ec;
     std::filesystem::create_directories(ctx.data_dir, ec);

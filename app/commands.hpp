@@ -20,6 +20,7 @@ struct RunOptions {
     bool in_place = false;
     bool resume = false;
     std::string mode = "hydraulics";
+    std::string mtp;  // two-phase method for this run, in place of the project's
     ReadOptions read;
 };
 
