@@ -16,8 +16,9 @@ namespace {
 
 // A rows x cols grid of junctions joined by 100 m lines of 6 in pipe, flow
 // directed right and down; a feed at 500 kPag into the first corner and a
-// product at 100 kPag out of each other corner.
-Project grid(RunContext& ctx, int rows, int cols) {
+// product at 100 kPag out of each other corner. With equipment, every
+// hundredth connection runs through a pump on its curve and a control valve.
+Project grid(RunContext& ctx, int rows, int cols, bool equipment = false) {
     Project p;
     NewProject(p);
     ReadPipeLib(ctx, p.pipedata);
@@ -37,10 +38,30 @@ Project grid(RunContext& ctx, int rows, int cols) {
         if (to) free_port(p.juncs[to].NOZI).CON = l;
         return l;
     };
+    int connections = 0;
+    // A pump and a valve between two junctions: three lines in series.
+    auto through_equipment = [&](int from, int to) {
+        const int a = connect(from, 0), b = connect(0, 0), c = connect(0, to);
+        Pump pump = p.pumps[0];
+        pump.CON = {0, a, b};
+        pump.DP.spec = "C";
+        pump.HQ1 = 3;
+        pump.CURQ[1] = "0", pump.CURQ[2] = "100", pump.CURQ[3] = "200";
+        pump.CURH[1] = "20", pump.CURH[2] = "18", pump.CURH[3] = "12";
+        p.pumps.push_back(pump);
+        Valve valve = p.valves[0];
+        valve.CON = {0, b, c};
+        valve.CV.spec = "400";
+        p.valves.push_back(valve);
+    };
+    auto join = [&](int from, int to) {
+        if (equipment && ++connections % 100 == 0) through_equipment(from, to);
+        else connect(from, to);
+    };
     for (int r = 0; r < rows; ++r)
         for (int c = 0; c < cols; ++c) {
-            if (c + 1 < cols) connect(node(r, c), node(r, c + 1));
-            if (r + 1 < rows) connect(node(r, c), node(r + 1, c));
+            if (c + 1 < cols) join(node(r, c), node(r, c + 1));
+            if (r + 1 < rows) join(node(r, c), node(r + 1, c));
         }
     p.feeds.push_back(p.feeds[0]);
     p.feeds[1].PRES.spec = "500";
@@ -83,7 +104,8 @@ void BM_RunToConvergence(benchmark::State& state) {
     RecordingInteraction ui;
     RunContext ctx(ui);
     configure(ctx);
-    const Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    const Project start =
+        grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), state.range(2) != 0);
     int iterations = 0;
     bool converged = false;
     for (auto _ : state) {
@@ -99,7 +121,13 @@ void BM_RunToConvergence(benchmark::State& state) {
 
 // About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions).
 BENCHMARK(BM_HydrSolve)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_RunToConvergence)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMillisecond)->Iterations(1);
+// The third argument puts a pump and a control valve on every hundredth connection.
+BENCHMARK(BM_RunToConvergence)
+    ->Args({16, 32, 0})
+    ->Args({50, 100, 0})
+    ->Args({50, 100, 1})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 }  // namespace
 }  // namespace velm

@@ -332,3 +332,28 @@ TEST(Sizing, DiameterLimitsAreClampedWithTheirMessages) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+TEST(TwoPhaseNetwork, EveryMethodConvergesAndAZeroPhaseDensityIsToldNotFatal) {
+    for (const char* method : {"Homogeneous", "Dukler", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin", "Beggs-Brill"}) {
+        Session s("two_phase");
+        s.load("condensate_return.vdf");
+        s.p.gen.MTP = method;
+        const RunResult r = s.run();
+        EXPECT_TRUE(r.all_converged()) << method << ": " << r.title;
+        EXPECT_EQ(s.p.lines[2].MTP, method);  // the method used is reported on the line
+        EXPECT_NE(s.p.lines[2].REG[1], "-") << method;  // a regime was found for the two-phase line
+    }
+    Session s("two_phase_zero");
+    s.load("condensate_return.vdf");
+    s.p.lines[2].VAPVISC = {0, 0, 0};
+    s.ctx.max_iter = 3;
+    const RunResult r = s.run();
+    EXPECT_EQ(r.cases.size(), 1u);  // the run goes on to the end of the case
+    EXPECT_NE(s.file("runlog.txt").find("Error! Zero phase density/visc in 2-phase pipe dP function."), std::string::npos);
+}
+
+}  // namespace
+}  // namespace velm
