@@ -44,12 +44,8 @@ struct Specs {
         rows.rhs(-p.gen.PATM);
     }
     // Pressures given at the drawn inlet and outlet.
-    void pressures(const TwoPort& e, int pin, int pout) {
-        if (set(e.PIN.spec)) fixed_row(rows, pin, value(e.PIN.spec));
-        if (set(e.POUT.spec)) fixed_row(rows, pout, value(e.POUT.spec));
-    }
-    template <class N>
-    void nozzle_pressures(const N& e, int pin, int pout) {
+    template <class E>
+    void pressures(const E& e, int pin, int pout) {
         if (set(e.PIN.spec)) fixed_row(rows, pin, value(e.PIN.spec));
         if (set(e.POUT.spec)) fixed_row(rows, pout, value(e.POUT.spec));
     }
@@ -115,7 +111,7 @@ void rated_rows(Specs& s, N& e, int pin, int pout, double (*rating_W2)(RunContex
         const double C = (!given && s.rows.build) ? rating_W2(s.ctx, s.p, e, s.case_no) : 0.0;
         s.drop(pin, pout, C, e.NOZI.CON, (given ? s.value(e.DP.spec) : 0.0) + e.DPELEV);
     }
-    s.nozzle_pressures(e, pin, pout);
+    s.pressures(e, pin, pout);
 }
 
 void orifice_rows(Specs& s, FO& o, int pin, int pout) {
