@@ -43,17 +43,20 @@ OD_INCH = {
     12: 12.750,
 }
 
+# The sizes below 1 inch keep their fraction names; the intermediate sizes
+# above are written as decimals ("1.5", not "1-1/2") so that every size name
+# reads as its number of inches where a size text is taken as a number.
 SIZE_NAMES = {0.125: "1/8", 0.25: "1/4", 0.375: "3/8", 0.5: "1/2", 0.75: "3/4",
-              1.25: "1-1/4", 1.5: "1-1/2", 2.5: "2-1/2", 3.5: "3-1/2"}
+              1.25: "1.25", 1.5: "1.5", 2.5: "2.5", 3.5: "3.5"}
 
 MAX_SIZES = 50
 MAX_SCHEDULES = 20
 
 # Sizes offered to the user but skipped when a line is sized: 1/8 to 3/8 are
-# instrument and vent connections rather than line sizes, and 1-1/4, 2-1/2,
-# 3-1/2 and 5 are the intermediate sizes that plant piping classes leave out
+# instrument and vent connections rather than line sizes, and 1.25, 2.5,
+# 3.5 and 5 are the intermediate sizes that plant piping classes leave out
 # because their fittings, flanges and valves are seldom stocked.
-NON_STANDARD = "1/8;1/4;3/8;1-1/4;2-1/2;3-1/2;5"
+NON_STANDARD = "1/8;1/4;3/8;1.25;2.5;3.5;5"
 
 MATERIALS = [
     {

@@ -61,7 +61,7 @@ double valve_Y1(RunContext& ctx, const Header& gen, double dP, double P, double 
 // K1 = 0.5 (1 - (d/D1)^2)^2, K2 = (1 - (d/D2)^2)^2, KBi = 1 - (d/Di)^4, d in
 // m (ISA's N2 = 890 for d in inches). size: "Inlet line" for d = D1, the
 // fractions "1/8", "1/4", "3/8", "1/2", "3/4", or a number of inches (a text
-// such as "1-1/2" reads its leading number). A valve the size of its pipes
+// such as "6" reads as its number). A valve the size of its pipes
 // gives 1; a size of 0 is a fault.
 double valve_Fp(RunContext& ctx, double Cv, double D1, double D2, std::string_view size);
 
