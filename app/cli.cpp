@@ -1,4 +1,4 @@
-// The velm command: run, check and new.
+// The velm command: run, check, new, size, flash and components.
 #include "app/cli.hpp"
 
 #include <CLI/CLI.hpp>
@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "app/commands.hpp"
+#include "app/flash_command.hpp"
 
 namespace velm {
 
@@ -50,6 +51,8 @@ int cli_main(int argc, char** argv) {
     size_cmd->add_flag("--yes", size.yes, "Answer Yes to the question that confirms the change");
     size_cmd->add_option("--save", size_save, "Write the changed project to this file instead of the project");
 
+    ThermoCommands thermo(app);
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {
@@ -64,6 +67,7 @@ int cli_main(int argc, char** argv) {
         if (*run_cmd) return command_run(run);
         if (*check_cmd) return command_check(check_project, check);
         if (*size_cmd) return command_size(size_action == "set", size_project, size_save, size);
+        if (const auto status = thermo.run()) return *status;
         return command_new(new_file);
     } catch (const std::exception& e) {
         std::cerr << "velm: " << e.what() << "\n";

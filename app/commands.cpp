@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "app/console.hpp"
 #include "correlations/sizing.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
@@ -19,31 +20,6 @@
 namespace velm {
 
 namespace {
-
-// The command line's interaction layer: messages go to standard error, the
-// status of a run to standard output, and questions are answered from flags.
-class ConsoleInteraction : public Interaction {
-public:
-    explicit ConsoleInteraction(const ReadOptions& opt) : opt_(opt) {}
-    void tell(const std::string& text) override { std::cerr << crlf_to_lf(text) << "\n"; }
-    int ask(const std::string& question, const std::vector<std::string>& choices) override {
-        // Nobody is there to answer: an old file is read as the flag says, and
-        // reading a file with many faulty lines stops.
-        int answer = 0;
-        if (question.rfind("Was this older file", 0) == 0) answer = opt_.european ? 0 : 1;
-        if (question.find("pipe diameters") != std::string::npos) answer = opt_.yes ? 0 : 1;
-        std::cerr << question << " " << (answer < static_cast<int>(choices.size()) ? choices[answer] : "") << "\n";
-        return answer;
-    }
-    void status(const std::string& text) override { std::cout << text << "\n"; }
-
-private:
-    static std::string crlf_to_lf(std::string s) {
-        for (std::size_t at = s.find("\r\n"); at != std::string::npos; at = s.find("\r\n", at)) s.erase(at, 1);
-        return s;
-    }
-    ReadOptions opt_;
-};
 
 std::filesystem::path default_data_dir() {
     if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg) return std::filesystem::path(xdg) / "velm";

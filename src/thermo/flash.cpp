@@ -78,6 +78,33 @@ std::string comp_name(const FlashSetup& fs, std::size_t i) {
     return i < fs.comps.size() ? trimmed(fs.comps[i].Name) : std::string();
 }
 
+// Runs the engine of MFLASH; on failure reason says which engine failed.
+bool run_engine(RunContext& ctx, const FlashSetup& setup, FlashStream& s, std::string& reason) {
+    const bool trace = tracing(s);
+    if (same_word(setup.MFLASH, "HYSYS")) {
+        if (trace) {
+            ctx.log_error("Flash - Method = " + setup.MFLASH + ", Thermo = " + setup.MHYSYS);
+            ctx.log_error("Flash - Call Hysys interface.");
+        }
+        const bool ok = FlashHysys(ctx, setup, s);
+        if (!ok) reason = "HYSYS flash failed.";
+        if (trace) FlashReport(ctx, setup, s);
+        return ok;
+    }
+    if (same_word(setup.MFLASH, "VELM")) {
+        if (trace)
+            ctx.log_error("Flash - Method = " + setup.MFLASH + ", K-value = " + setup.MFLASHK + ", Enthalpy = " +
+                          setup.MFLASHH);
+        const bool ok = FlashDispatch(ctx, setup, s);
+        if (!ok) reason = "VELM flash failed.";
+        if (trace) FlashReport(ctx, setup, s);
+        return ok;
+    }
+    // Includes "PPP": the closed library of that engine is not available.
+    reason = "Flash method not supported.";
+    return false;
+}
+
 }  // namespace
 
 void flash_methods(const Header& gen, FlashSetup& setup) {
@@ -131,39 +158,27 @@ bool FlashDispatch(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
     }
 }
 
+double composition_sum(const FlashStream& s) {
+    double sum = 0.0;
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(kMaxComps); ++i) sum += s.Z[i];
+    return sum;
+}
+
+std::string flash_input_fault(const FlashSetup& setup, const FlashStream& s) {
+    if (std::abs(composition_sum(s) - 1.0) > kFlashSumTolerance) return "Input composition <> 1 or No components defined.";
+    if (setup.count() == 0) return "No components defined.";
+    if (s.T < 0.0 || s.P < 0.0) return "Stream temperature or pressure out of range.";
+    return {};
+}
+
 bool Flash(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
     const bool trace = tracing(s);
     bool ok = false;
     std::string reason;
     try {
         if (trace) ctx.log_error("Flash - Check input.");
-        double sum = 0.0;
-        for (std::size_t i = 1; i <= static_cast<std::size_t>(kMaxComps); ++i) sum += s.Z[i];
-        if (std::abs(sum - 1.0) > 0.001) {
-            reason = "Input composition <> 1 or No components defined.";
-        } else if (setup.count() == 0) {
-            reason = "No components defined.";
-        } else if (s.T < 0.0 || s.P < 0.0) {
-            reason = "Stream temperature or pressure out of range.";
-        } else if (same_word(setup.MFLASH, "HYSYS")) {
-            if (trace) {
-                ctx.log_error("Flash - Method = " + setup.MFLASH + ", Thermo = " + setup.MHYSYS);
-                ctx.log_error("Flash - Call Hysys interface.");
-            }
-            ok = FlashHysys(ctx, setup, s);
-            if (!ok) reason = "HYSYS flash failed.";
-            if (trace) FlashReport(ctx, setup, s);
-        } else if (same_word(setup.MFLASH, "VELM")) {
-            if (trace)
-                ctx.log_error("Flash - Method = " + setup.MFLASH + ", K-value = " + setup.MFLASHK +
-                              ", Enthalpy = " + setup.MFLASHH);
-            ok = FlashDispatch(ctx, setup, s);
-            if (!ok) reason = "VELM flash failed.";
-            if (trace) FlashReport(ctx, setup, s);
-        } else {
-            // Includes "PPP": the closed library of that engine is not available.
-            reason = "Flash method not supported.";
-        }
+        reason = flash_input_fault(setup, s);
+        if (reason.empty()) ok = run_engine(ctx, setup, s, reason);
     } catch (const Fault& f) {
         ok = false;
         reason = "Err = " + fault_text(f);

@@ -79,10 +79,20 @@ void flash_methods(const Header& gen, FlashSetup& setup);
 void LoadFlashSetup(RunContext& ctx, const Project& project, const std::filesystem::path& lib_dir,
                     FlashSetup& setup);
 
-// The only entry point other subsystems call. Checks the composition (sum
-// within 0.001 of 1), the component set and T, P (not negative), then runs the
-// engine of MFLASH. On failure logs "Error! Stream <NAME> flash failed. " and
-// the reason. Returns true on success.
+// How far the sum of the total composition may lie from 1.
+inline constexpr double kFlashSumTolerance = 0.001;
+
+// Sum of the total composition Z over all positions.
+double composition_sum(const FlashStream& s);
+
+// Why Flash refuses the stream before any engine runs, in the words of its
+// failure line: the composition sum further than kFlashSumTolerance from 1, no
+// components, or a negative T or P. Empty when the stream passes.
+std::string flash_input_fault(const FlashSetup& setup, const FlashStream& s);
+
+// The only entry point other subsystems call. Checks the input as
+// flash_input_fault does, then runs the engine of MFLASH. On failure logs
+// "Error! Stream <NAME> flash failed. " and the reason. Returns true on success.
 bool Flash(RunContext& ctx, const FlashSetup& setup, FlashStream& s);
 
 // The own engine: the algorithm of s.FT, then the phase properties, enthalpy,

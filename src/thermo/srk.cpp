@@ -99,7 +99,7 @@ double SRK_m(RunContext& ctx, const CompProp& c) {
     if (w == 0.0) {
         if (c.TBP != 0.0 && c.PC != 0.0 && c.TC != 0.0) {
             // Edmister: w = 3/7 log10(Pc / 1 bar) / (Tc/Tb - 1) - 1.
-            w = (3.0 / 7.0) * Log10Safe(c.PC / 100.0) * checked_div(c.TBP, c.TC - c.TBP) - 1.0;
+            w = (3.0 / 7.0) * Log10Safe(c.PC / 100.0) * checked_div(c.TBP, double(c.TC) - double(c.TBP)) - 1.0;
             ctx.log_error("Warning! Accentric factor estimated.");
         } else {
             w = 0.3;
@@ -161,8 +161,9 @@ double SRK_Z(RunContext& ctx, int phase, double A, double B) {
         }
     } else {
         // Three real roots. The sign s puts the arctangent's angle in the
-        // right quadrant, so no arccosine is needed.
-        const double t = (q / 2.0) / std::sqrt(-(p / 3.0) * (p / 3.0) * (p / 3.0));
+        // right quadrant, so no arccosine is needed. Rounding can put |t| a
+        // hair above 1 next to a double root; t is held to [-1, 1] there.
+        const double t = std::clamp((q / 2.0) / std::sqrt(-(p / 3.0) * (p / 3.0) * (p / 3.0)), -1.0, 1.0);
         const double theta = std::atan(checked_div(std::sqrt(1.0 - t * t), t));
         const double s = q <= 0.0 ? 1.0 : -1.0;
         for (int k = 0; k < 3; ++k)

@@ -6,6 +6,7 @@
 #include "model/fault.hpp"
 #include "thermo/steam_if97.hpp"
 #include "thermo/transport.hpp"
+#include "thermo/srk.hpp"
 #include "thermo/transport_support.hpp"
 
 namespace velm {
@@ -43,7 +44,7 @@ constexpr double kKouzelExponent = 0.181;
 constexpr double kKpaPerPsi = 6.895;
 
 // Critical molar volume from ZC R TC / PC, m3/kmol.
-double critical_volume(const CompProp& c) { return c.ZC * kR * c.TC / c.PC; }
+double critical_volume(const CompProp& c) { return c.ZC * kGasConstant * c.TC / c.PC; }
 
 void log_density_data_missing(RunContext& ctx, std::size_t i) {
     ctx.log_error("Error! Liquid density paramaters missing for component = " + std::to_string(i));
@@ -75,9 +76,9 @@ double mixture_liquid_molar_volume(RunContext& ctx, double T, double P, std::spa
             continue;
         }
         // ZRA from the reference density: Z at TDen = ZRA^(1 + (1 - Tr)^(2/7)).
-        const double trd = reduced_temperature(ctx, c.TDen, c.TBP, c.TC);
+        const double trd = Tred(ctx, c.TDen, c.TBP, c.TC);
         const double e = 1.0 / (1.0 + checked_pow(1.0 - trd, 2.0 / 7.0));
-        zra += checked_pow((c.MW / c.LDen / kR) * c.PC / c.TC, e) * x[i];
+        zra += checked_pow((c.MW / c.LDen / kGasConstant) * c.PC / c.TC, e) * x[i];
 
         const double vi = critical_volume(c);
         const double phi_i = checked_div(vi * x[i], vm);
@@ -96,25 +97,25 @@ double mixture_liquid_molar_volume(RunContext& ctx, double T, double P, std::spa
         w += c.Acc * x[i];
     }
 
-    const double tr = reduced_temperature(ctx, T, 0.0, tcm);
-    const double pcm = checked_div(kR * zra * tcm, vc);
+    const double tr = Tred(ctx, T, 0.0, tcm);
+    const double pcm = checked_div(kGasConstant * zra * tcm, vc);
     if (tr >= 0.95) {
-        const double A = srk_mixture_a(ctx, T, P, x, comps, kij);
-        const double B = srk_mixture_b(ctx, T, P, x, comps);
-        return checked_div(srk_compressibility_root(ctx, 0, A, B) * kR * T, P);
+        const double A = SRK_Amix(ctx, T, P, x, comps, kij);
+        const double B = SRK_Bmix(ctx, T, P, x, comps);
+        return checked_div(SRK_Z(ctx, kLiquid, A, B) * kGasConstant * T, P);
     }
 
     const double tau = 1.0 - tr;
-    double vs = kR * sv * checked_pow(zra, 1.0 + checked_pow(tau, 2.0 / 7.0));
+    double vs = kGasConstant * sv * checked_pow(zra, 1.0 + checked_pow(tau, 2.0 / 7.0));
     const double ln_tr = checked_log(tr);
     const double tr6 = std::pow(tr, 6);
     const double a0 = kPv0[0] + kPv0[1] / tr + kPv0[2] * ln_tr + kPv0[3] * tr6;
     const double a1 = kPv1[0] + kPv1[1] / tr + kPv1[2] * ln_tr + kPv1[3] * tr6;
-    const double pv = pcm * safe_exp(w * a1 + a0);
+    const double pv = pcm * SafeExp(w * a1 + a0);
 
     const double t3 = std::cbrt(tau);
     const double b_tait = (-1.0 + kThbA * t3 + kThbB * t3 * t3 + kThbD * tau +
-                           safe_exp(kThbE0 + kThbE1 * w + kThbE2 * w * w) * tau * t3) * pcm;
+                           SafeExp(kThbE0 + kThbE1 * w + kThbE2 * w * w) * tau * t3) * pcm;
     const double c_tait = kThbJ + kThbK * w;
     const double ratio = checked_div(b_tait + P, b_tait + pv);
     if (ratio > 0.0) vs *= 1.0 - c_tait * std::log(ratio);
@@ -131,10 +132,10 @@ double cube_root_mixed_viscosity(RunContext& ctx, double T, std::span<const doub
         double v = 1.0;
         if (c.ViscType == 3.0f) {
             // ln(mu/cP) = A + B/T + C T + D T^2
-            v = safe_exp(c.ViscA + checked_div(c.ViscB, T) + c.ViscC * T + c.ViscD * T * T);
+            v = SafeExp(c.ViscA + checked_div(c.ViscB, T) + c.ViscC * T + c.ViscD * T * T);
         } else if (c.ViscType == 4.0f) {
             // ln(mu/cP) = A + B/T + C ln T + D T
-            v = safe_exp(c.ViscA + checked_div(c.ViscB, T) + c.ViscC * checked_log(T) + c.ViscD * T);
+            v = SafeExp(c.ViscA + checked_div(c.ViscB, T) + c.ViscC * checked_log(T) + c.ViscD * T);
         } else {
             ctx.log_error("Error! Liquid viscosity paramaters missing. Assume 1.0.");
         }
@@ -149,11 +150,11 @@ double LiqDensity(RunContext& ctx, double T, double P, std::span<const double> x
                   const std::vector<CompProp>& comps, const std::vector<std::vector<double>>& kij) {
     return trapped(ctx, kTrapWords, [&]() -> double {
         double vs = 0.0;  // m3/kg
-        if (is_nearly_pure_water(x, comps)) {
+        if (IsPureWater(x, comps)) {
             vs = Steam97(ctx, water_liquid_temperature(T, 0.1), P / 1000.0, kSteamLiquid, kSteamVolume);
         } else {
             const double molar = mixture_liquid_molar_volume(ctx, T, P, x, comps, kij);
-            vs = checked_div(molar, mixture_molar_mass(x, comps));
+            vs = checked_div(molar, MixMW(x, comps));
         }
         if (vs == 0.0) {
             ctx.log_error("Error! Calculating liquid density.");
@@ -166,7 +167,7 @@ double LiqDensity(RunContext& ctx, double T, double P, std::span<const double> x
 double LiqViscosity(RunContext& ctx, double T, double P, std::span<const double> x,
                     const std::vector<CompProp>& comps, double patm) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(x, comps))
+        if (IsPureWater(x, comps))
             return water_property(ctx, water_liquid_temperature(T, 0.01), P, kSteamLiquid, Visc97, 1.0,
                                   "Error! Water liq visc unknown. Assume 1.0.");
         double m = cube_root_mixed_viscosity(ctx, T, x, comps);
@@ -190,11 +191,11 @@ double LiqViscosity(RunContext& ctx, double T, double P, std::span<const double>
 double SurfTension(RunContext& ctx, double T, double, std::span<const double> x,
                    const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(x, comps)) return Surf97(water_liquid_temperature(T, 0.1));
+        if (IsPureWater(x, comps)) return Surf97(water_liquid_temperature(T, 0.1));
         double q = 0.0, tm = 0.0, pm = 0.0;
         for (std::size_t i = 1; i < comp_count(x, comps); ++i) {
             const CompProp& c = comps[i];
-            const double trb = reduced_temperature(ctx, c.TBP, c.TBP, c.TC);
+            const double trb = Tred(ctx, c.TBP, c.TBP, c.TC);
             const double qi = 0.1207 * (1.0 + checked_log(c.PC / 101.325) * checked_div(trb, 1.0 - trb)) - 0.281;
             q += x[i] * qi;
             tm += x[i] * c.TC;
@@ -210,7 +211,7 @@ double SurfTension(RunContext& ctx, double T, double, std::span<const double> x,
 double LiqConductivity(RunContext& ctx, double T, double P, std::span<const double> x,
                        const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(x, comps))
+        if (IsPureWater(x, comps))
             return water_property(ctx, water_liquid_temperature(T, 0.1), P, kSteamLiquid, Cond97, 1.0,
                                   "Error! Water conductivity unknown. Assume 1.0.");
         // k = Tb^0.2904 (0.02551 - 1.982e-5 T), Tb the molar mean normal

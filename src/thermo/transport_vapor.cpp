@@ -6,6 +6,7 @@
 #include "model/fault.hpp"
 #include "thermo/steam_if97.hpp"
 #include "thermo/transport.hpp"
+#include "thermo/srk.hpp"
 #include "thermo/transport_support.hpp"
 
 namespace velm {
@@ -30,7 +31,7 @@ constexpr YoonThodos kYoonThodosHydrogen{47.65, 0.657, 20.0, 0.858, 19.0, 3.995}
 constexpr YoonThodos kYoonThodosHelium{52.57, 0.656, 18.9, 1.144, 17.9, 5.182};
 
 double yoon_thodos(const YoonThodos& k, double tr, double xi) {
-    const double s = 1.0 + k.a * checked_pow(tr, k.b) - k.c * safe_exp(-k.d * tr) + k.e * safe_exp(-k.f * tr);
+    const double s = 1.0 + k.a * checked_pow(tr, k.b) - k.c * SafeExp(-k.d * tr) + k.e * SafeExp(-k.f * tr);
     return checked_div(s * 1e-05, xi);
 }
 
@@ -42,12 +43,12 @@ double viscosity_parameter(double tc, double mw, double pc) {
 // Low-pressure viscosity of one component, cP, or 0 without TC, MW, PC, ZC.
 // Water takes IAPWS steam at 100 kPa whatever the pressure of the mixture.
 double low_pressure_viscosity(RunContext& ctx, double T, const CompProp& c) {
-    const double tr = reduced_temperature(ctx, T, c.TBP, c.TC);
+    const double tr = Tred(ctx, T, c.TBP, c.TC);
     if (c.TC == 0.0f || c.MW == 0.0f || c.PC == 0.0f || c.ZC == 0.0f) return 0.0;
     const double xi = viscosity_parameter(c.TC, c.MW, c.PC);
-    if (name_is(c.Name, "HELIUM-4")) return yoon_thodos(kYoonThodosHelium, tr, xi);
-    if (name_is(c.Name, "HYDROGEN")) return yoon_thodos(kYoonThodosHydrogen, tr, xi);
-    if (name_is(c.Name, "WATER")) {
+    if (same_word(c.Name, "HELIUM-4")) return yoon_thodos(kYoonThodosHelium, tr, xi);
+    if (same_word(c.Name, "HYDROGEN")) return yoon_thodos(kYoonThodosHydrogen, tr, xi);
+    if (same_word(c.Name, "WATER")) {
         const double tw = water_vapor_temperature(T);
         const double sv = Steam97(ctx, tw, 0.1, kSteamVapor, kSteamVolume);
         return sv != 0.0 ? Visc97(tw, 1.0 / sv) : 0.0;
@@ -61,14 +62,14 @@ double VapZ(RunContext& ctx, double T, double P, std::span<const double> y, cons
             const std::vector<std::vector<double>>& kij) {
     return trapped(ctx, kTrapWords, [&]() -> double {
         double z = 0.0;
-        if (is_nearly_pure_water(y, comps)) {
+        if (IsPureWater(y, comps)) {
             const double tw = water_vapor_temperature(T);
             const double v = Steam97(ctx, tw, P / 1000.0, kSteamVapor, kSteamVolume);
-            if (v != 0.0) z = v * P * kWaterMW / kR / tw;
+            if (v != 0.0) z = v * P * kWaterMW / kGasConstant / tw;
         } else {
-            const double A = srk_mixture_a(ctx, T, P, y, comps, kij);
-            const double B = srk_mixture_b(ctx, T, P, y, comps);
-            z = srk_compressibility_root(ctx, 1, A, B);
+            const double A = SRK_Amix(ctx, T, P, y, comps, kij);
+            const double B = SRK_Bmix(ctx, T, P, y, comps);
+            z = SRK_Z(ctx, kVapor, A, B);
         }
         if (z == 0.0) {
             ctx.log_error("Error! Vapor Z unknown. Assume 1.");
@@ -86,7 +87,7 @@ double VapZ(RunContext& ctx, double T, double P, std::span<const double> y, cons
 double VapViscosity(RunContext& ctx, double T, double P, std::span<const double> y, double vapden,
                     const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(y, comps))
+        if (IsPureWater(y, comps))
             return water_property(ctx, water_vapor_temperature(T), P, kSteamVapor, Visc97, 0.01,
                                   "Error! Steam visc unknown. Assume 0.01.");
         const std::size_t n = comp_count(y, comps);
@@ -110,11 +111,11 @@ double VapViscosity(RunContext& ctx, double T, double P, std::span<const double>
             mm += y[i] * c.MW;
             tm += y[i] * c.TC;
             pm += y[i] * c.PC;
-            vr += checked_div(checked_div(kR * y[i] * c.ZC * c.TC, c.PC), c.MW);  // m3/kg
+            vr += checked_div(checked_div(kGasConstant * y[i] * c.ZC * c.TC, c.PC), c.MW);  // m3/kg
         }
         const double xim = viscosity_parameter(tm, mm, pm);
         const double dr = vr * vapden;
-        mu += checked_div(0.000108 * (safe_exp(1.439 * dr) - safe_exp(-1.11 * checked_pow(dr, 1.858))), xim);
+        mu += checked_div(0.000108 * (SafeExp(1.439 * dr) - SafeExp(-1.11 * checked_pow(dr, 1.858))), xim);
         return mu;
     });
 }
@@ -127,10 +128,10 @@ double VapViscosity(RunContext& ctx, double T, double P, std::span<const double>
 double VapConductivity(RunContext& ctx, double T, double P, std::span<const double> y,
                        const std::vector<CompProp>& comps) {
     return trapped(ctx, kTrapWords, [&]() -> double {
-        if (is_nearly_pure_water(y, comps))  // at the density of the liquid-side equation
+        if (IsPureWater(y, comps))  // at the density of the liquid-side equation
             return water_property(ctx, water_liquid_temperature(T, 0.1), P, kSteamLiquid, Cond97, 0.1,
                                   "Error! Steam conductivity unknown. Assume 0.1.");
-        const double mm = mixture_molar_mass(y, comps);
+        const double mm = MixMW(y, comps);
         const double tt = std::max(260.0, T);
         const double inv = checked_div(1.0, mm);
         return 0.00231 + 0.42624 * inv + 1.9891 * inv * inv +

@@ -7,35 +7,15 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/app/cli_support.hpp"
+
 namespace velm {
 namespace {
 
+using test::fresh_dir;
+using test::Outcome;
+using test::velm;
 namespace fs = std::filesystem;
-
-struct Outcome {
-    int status;
-    std::string out;
-};
-
-// Runs velm with the arguments, standard output and error together.
-Outcome velm(const std::string& args, const fs::path& dir) {
-    const fs::path out = dir / "console.txt";
-    const std::string cmd = std::string("cd '") + dir.string() + "' && '" + VELM_EXE + "' " + args + " > '" +
-                            out.string() + "' 2>&1";
-    const int raw = std::system(cmd.c_str());
-    std::ifstream in(out);
-    std::ostringstream s;
-    s << in.rdbuf();
-    fs::remove(out);
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, s.str()};
-}
-
-fs::path fresh_dir(const std::string& name) {
-    const fs::path dir = fs::temp_directory_path() / ("velm_cli_" + name);
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    return dir;
-}
 
 void write(const fs::path& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
@@ -66,8 +46,8 @@ TEST(CliBadInput, UnreadableProjectsExitTwoAndWriteNothing) {
         const bool exists = std::string(r.what) != "missing file";
         if (exists) write(dir / "p.vdf", r.bytes);
         const Outcome o = velm("run p.vdf --out results --save saved.vdf", dir);
-        EXPECT_EQ(o.status, 2) << r.what << "\n" << o.out;
-        EXPECT_NE(o.out.find(r.says), std::string::npos) << r.what << "\n" << o.out;
+        EXPECT_EQ(o.status, 2) << r.what << "\n" << o.text();
+        EXPECT_NE(o.text().find(r.says), std::string::npos) << r.what << "\n" << o.text();
         EXPECT_FALSE(fs::exists(dir / "results")) << r.what;
         EXPECT_FALSE(fs::exists(dir / "saved.vdf")) << r.what;
         EXPECT_EQ(velm("check p.vdf", dir).status, 2) << r.what;
@@ -81,14 +61,14 @@ TEST(CliBadInput, UnreadableProjectsExitTwoAndWriteNothing) {
 TEST(Cli, RunSavesResultsThatAResumedRunConfirms) {
     const fs::path dir = fresh_dir("run");
     const Outcome first = velm("run '" + kExample + "' --out out --save solved.vdf", dir);
-    ASSERT_EQ(first.status, 0) << first.out;
-    EXPECT_NE(first.out.find("Runlog - Case 1 solution reached after"), std::string::npos);
-    EXPECT_NE(first.out.find("L-101"), std::string::npos);
+    ASSERT_EQ(first.status, 0) << first.text();
+    EXPECT_NE(first.text().find("Runlog - Case 1 solution reached after"), std::string::npos);
+    EXPECT_NE(first.text().find("L-101"), std::string::npos);
     EXPECT_TRUE(fs::exists(dir / "out" / "runlog.txt"));
     EXPECT_TRUE(fs::exists(dir / "solved.vdf"));
     const Outcome again = velm("run solved.vdf --out out --resume --in-place", dir);
-    ASSERT_EQ(again.status, 0) << again.out;
-    EXPECT_NE(again.out.find("solution reached after 2 iterations."), std::string::npos) << again.out;
+    ASSERT_EQ(again.status, 0) << again.text();
+    EXPECT_NE(again.text().find("solution reached after 2 iterations."), std::string::npos) << again.text();
 }
 
 TEST(Cli, NewThenCheckReportsTheEmptyNetwork) {
@@ -96,7 +76,7 @@ TEST(Cli, NewThenCheckReportsTheEmptyNetwork) {
     ASSERT_EQ(velm("new a.vdf", dir).status, 0);
     const Outcome o = velm("check a.vdf", dir);
     EXPECT_EQ(o.status, 1);
-    EXPECT_NE(o.out.find("Error! No equipment."), std::string::npos);
+    EXPECT_NE(o.text().find("Error! No equipment."), std::string::npos);
     EXPECT_EQ(velm("run a.vdf --mode hmb", dir).status, 2);
 }
 
