@@ -127,6 +127,7 @@ int command_run(const RunOptions& opt) {
         return 2;
     }
     ctx.resume_run = opt.resume;
+    ctx.project_file = std::filesystem::absolute(opt.project, ec);
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "
                   << c.iterations << " iterations.\n";
