@@ -135,6 +135,7 @@ int command_run(const RunOptions& opt) {
     });
     std::cout << "\n" << r.title << "\n";
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
+    std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
     int status = r.all_converged() ? 0 : 1;
     const std::string target = opt.in_place ? opt.project : opt.save;
