@@ -103,7 +103,8 @@ void valve_summary(const HydrCase& c, RtfText& out) {
     for (std::size_t i = 1; i < c.p.valves.size(); ++i) {
         const Valve& v = c.p.valves[i];
         auto r = two_port_cells(c, v, v.TYPE2);
-        r.insert(r.end(), {trim_name(v.TYPE), c.num(v.PIN.value, "kPag", u.pressure), c.num(v.POUT.value, "kPag", u.pressure),
+        r.insert(r.end(), {trim_name(v.TYPE), c.num(v.PIN.value, "kPag", u.pressure),
+                           c.num(v.POUT.value, "kPag", u.pressure),
                            c.num(v.DP.value, "kPa", dp, 9), c.plain(v.CV.value, 9), c.plain(v.OPEN.value, 7),
                            c.plain(v.XT, 6), c.plain(v.YIN, 6), c.plain(v.FP2, 6), c.num(v.DPP2, "kPa", dp, 9)});
         rows.push_back(r);

@@ -57,8 +57,9 @@ void warn_line(RunContext& ctx, Project& p, Line& l) {
     if (v_min > 0.0 && std::fabs(l.VEL[3]) < v_min)
         ctx.warn(warning + " velocity coef less than minimum (m/s) = " + warning_value(v_min));
     if (l.SIZ[4] > 0.0) {
-        if (l.VEL[1] > l.SIZ[4]) ctx.warn(warning + " inlet velocity exceeds maximum (m/s) = " + warning_value(l.SIZ[4]));
-        if (l.VEL[2] > l.SIZ[4]) ctx.warn(warning + " outlet velocity exceeds maximum (m/s) = " + warning_value(l.SIZ[4]));
+        const std::string limit = " velocity exceeds maximum (m/s) = " + warning_value(l.SIZ[4]);
+        if (l.VEL[1] > l.SIZ[4]) ctx.warn(warning + " inlet" + limit);
+        if (l.VEL[2] > l.SIZ[4]) ctx.warn(warning + " outlet" + limit);
     }
     if (l.VEL[4] != 0.0) {
         const double sonic = kSonicMargin * l.VEL[4];
@@ -72,7 +73,9 @@ void warn_line(RunContext& ctx, Project& p, Line& l) {
     if (l.LEN < std::fabs(l.ELEV[1] - l.ELEV[2])) ctx.warn(warning + " length less than elevation change.");
 }
 
-void warn_feed(RunContext& ctx, const Project& p, Feed& f) { warn_choked(ctx, p, f, "Warning! Choked flow through Feed "); }
+void warn_feed(RunContext& ctx, const Project& p, Feed& f) {
+    warn_choked(ctx, p, f, "Warning! Choked flow through Feed ");
+}
 
 void warn_prod(RunContext& ctx, const Project& p, Prod& b) {
     warn_choked(ctx, p, b, "Warning! Choked flow through Product ");
@@ -94,7 +97,8 @@ void warn_vessel(RunContext& ctx, const Vessel& v, int case_no) {
     const double heavy = spec_value(v.LEVH1, case_no);
     const std::string warning = "Warning! Vessel " + trim(v.NAME[1]);
     if (v.LEVM3 > 0.0 && medium < heavy) ctx.warn(warning + " - Medium level below Heavy level.");
-    if (v.LEVL3 > 0.0 && (light < medium || light < heavy)) ctx.warn(warning + " - Light level below Medium/Heavy level.");
+    if (v.LEVL3 > 0.0 && (light < medium || light < heavy))
+        ctx.warn(warning + " - Light level below Medium/Heavy level.");
 }
 
 void HydrResulWarnings(RunContext& ctx, Project& p, int case_no) {
