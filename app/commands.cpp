@@ -104,6 +104,7 @@ int command_run(const RunOptions& opt) {
         return 2;
     }
     ctx.resume_run = opt.resume;
+    ctx.project_file = std::filesystem::absolute(opt.project, ec);
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "
                   << c.iterations << " iterations.\n";
@@ -111,6 +112,7 @@ int command_run(const RunOptions& opt) {
     });
     std::cout << "\n" << r.title << "\n";
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
+    std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
     int status = r.all_converged() ? 0 : 1;
     const std::string target = opt.in_place ? opt.project : opt.save;

@@ -152,11 +152,11 @@ void refresh_comp(RunContext& ctx, Project& p, Comp& m, int iter, int case_no) {
 
 void comp_warnings(RunContext& ctx, const Project& p, Comp& m) {
     if (sgn(compressor_properties(ctx, p, m).W) * m.DP.value < -1e-06)
-        ctx.log_error("Warning! Compressor " + trim(m.NAME[1]) + " has negative head in direction of flow.");
+        ctx.warn("Warning! Compressor " + trim(m.NAME[1]) + " has negative head in direction of flow.");
     const Line* in = machine_line(p, m.CON[1]);
     const Line* out = machine_line(p, m.CON[2]);
     if ((in != nullptr && in->LF[3] != 0.0) || (out != nullptr && out->LF[3] != 0.0))
-        ctx.log_error("Error! Compressor " + trim(m.NAME[1]) + " inlet or outlet has liquid fraction.");
+        ctx.warn("Error! Compressor " + trim(m.NAME[1]) + " inlet or outlet has liquid fraction.");
 }
 
 }  // namespace velm

@@ -91,7 +91,7 @@ double comp_power(double W, double head, double eff, double shaft);
 // positive), EFFC[2], EFFS[2] and POW.
 void refresh_comp(RunContext& ctx, Project& p, Comp& m, int iter, int case_no);
 
-// The compressor's warnings, logged in this order: a rise against the
+// The compressor's warnings (RunContext::warn), in this order: a rise against the
 // direction of flow, a line with liquid.
 void comp_warnings(RunContext& ctx, const Project& p, Comp& m);
 

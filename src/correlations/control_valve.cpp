@@ -224,7 +224,7 @@ void final_valve(RunContext& ctx, Project& p, Valve& v, int case_no) {
     }
     v.DPP2 = dpp;
     if (std::abs(named.TPROP[3] - inlet.TPROP[3]) > 0.03 * std::abs(named.TPROP[3]))
-        ctx.log_error("Warning! Valve " + name_of(v) + " permanent dP calc requires constant density.");
+        ctx.warn("Warning! Valve " + name_of(v) + " permanent dP calc requires constant density.");
 }
 
 }  // namespace velm

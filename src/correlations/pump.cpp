@@ -316,7 +316,7 @@ void final_pump(RunContext& ctx, Project& p, Pump& m, int case_no) {
             pump_curve_generate(m, p.gen.PCURQ, p.gen.PCURH, p.gen.PCUREFF, p.gen.PCURNPSH);
         }
     } catch (const Fault& f) {
-        ctx.log_error("Error! In HydrResulFinalSub = " + fault_text(f));
+        ctx.warn("Error! In HydrResulFinalSub = " + fault_text(f));
     }
 }
 
@@ -325,10 +325,10 @@ void pump_warnings(RunContext& ctx, const Project& p, Pump& m) {
     const Line* out = machine_line(p, m.CON[2]);
     if ((in != nullptr && in->LF[3] != 1.0) || (out != nullptr && out->LF[3] != 1.0)) {
         m.COLOR = p.color_error;
-        ctx.log_error("Error! Pump " + trim(m.NAME[1]) + " inlet or outlet has vapor fraction.");
+        ctx.warn("Error! Pump " + trim(m.NAME[1]) + " inlet or outlet has vapor fraction.");
     }
     if (sgn(pump_properties(ctx, p, m).W) * m.DP.value < -1e-06)
-        ctx.log_error("Warning! Pump " + trim(m.NAME[1]) + " has negative head in direction of flow.");
+        ctx.warn("Warning! Pump " + trim(m.NAME[1]) + " has negative head in direction of flow.");
 }
 
 }  // namespace velm

@@ -164,7 +164,7 @@ void refresh_pump(RunContext& ctx, Project& p, Pump& m, int iter, int case_no);
 // with CURC1 at 1, a typical curve through the point found (logged as such).
 void final_pump(RunContext& ctx, Project& p, Pump& m, int case_no);
 
-// The pump's warnings, logged in this order: a line with vapour (flags the
+// The pump's warnings (RunContext::warn), in this order: a line with vapour (flags the
 // pump), a rise against the direction of flow.
 void pump_warnings(RunContext& ctx, const Project& p, Pump& m);
 

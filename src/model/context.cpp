@@ -20,6 +20,11 @@ void RunContext::log_error(const std::string& text) {
     run_log_text.clear();
 }
 
+void RunContext::warn(const std::string& text) {
+    log_error(text);
+    case_warnings.push_back(text);
+}
+
 std::string RunContext::log_line() {
     const auto path = run_file("runlog.txt");
     append_text(path, run_log_text);

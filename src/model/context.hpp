@@ -56,6 +56,12 @@ struct RunContext {
     bool project_dirty = false;
     std::string run_log_text;  // run log not yet on disk
     std::string run_signal;    // final message of a case, read by the report
+    // The warnings and errors of the last case's final results, in the order
+    // they were found: HydrResulFinalSub empties and fills it, the hydraulic
+    // report prints it. Kept apart from the run log, whose buffer drops the
+    // message that triggers a flush, so that the report never misses one.
+    std::vector<std::string> case_warnings;
+    std::filesystem::path project_file;    // the project being run, as the report names it
     int max_iter = 20;
     double soserror = 0.001;
     std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go
@@ -63,6 +69,8 @@ struct RunContext {
 
     // The one door for messages: errors, warnings and progress.
     void log_error(const std::string& text);
+    // A warning or error of a case's results: to the run log and to case_warnings.
+    void warn(const std::string& text);
     // Appends the buffer to runlog.txt, clears it, and reads the file back
     // (up to 30000 characters): the text that closes the run.
     std::string log_line();

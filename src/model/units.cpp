@@ -248,6 +248,15 @@ double scaled(RunContext& ctx, double value, std::string_view from, std::string_
 }
 }  // namespace
 
+double convert_value(RunContext& ctx, double value, std::string_view from, std::string_view to) {
+    try {
+        return scaled(ctx, value, from, to);
+    } catch (const Fault& f) {
+        ctx.log_error("Error! In getting units = " + fault_text(f));
+        return 0.0;
+    }
+}
+
 std::string convert_num(RunContext& ctx, double value, std::string_view from, std::string_view to, int digits) {
     try {
         return format_number(scaled(ctx, value, from, to), decimals_pattern(digits));

@@ -73,6 +73,10 @@ inline constexpr int kReadEuropeanNumbers = -3;   // decimal comma, "." as thous
 std::string converting_units(RunContext& ctx, std::string_view text, std::string_view from, std::string_view to,
                              int digits);
 
+// value * F(to) / F(from); an unknown unit gives 0 and "Error! In getting
+// units = " in the run log, after the lookup's own message.
+double convert_value(RunContext& ctx, double value, std::string_view from, std::string_view to);
+
 // value * F(to) / F(from) formatted "#,##0.0" with digits - 1 more "#".
 std::string convert_num(RunContext& ctx, double value, std::string_view from, std::string_view to, int digits);
 // value * F(to) / F(from) by FormatNum with width 9.

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <string>
+#include <string_view>
 
 #include "correlations/tee_expander.hpp"
 #include "model/context.hpp"
@@ -23,13 +24,6 @@ constexpr double kTinyFlow = 1e-05;         // t/h
 constexpr double kNegativeDrop = -1e-06;    // kPa
 constexpr double kBoreTolerance = 0.01;     // m
 
-// The drop against the flow of the inlet line, for the warnings.
-void warn_negative_drop(RunContext& ctx, const Project& p, int inlet, double dP, const char* words, const Drawn& d) {
-    const Line* in = line_at(p, inlet);
-    const double W = in ? in->TFLOW.value : 0.0;
-    if (sgn(W) * dP < kNegativeDrop) ctx.log_error(words + trim(d.NAME[1]) + " has negative dP in direction of flow.");
-}
-
 bool bores_differ(const Project& p, int a, int b) {
     const Line* la = line_at(p, a);
     const Line* lb = line_at(p, b);
@@ -37,6 +31,18 @@ bool bores_differ(const Project& p, int a, int b) {
 }
 
 }  // namespace
+
+void warn_negative_dP(RunContext& ctx, const Project& p, int inlet, double dP, std::string_view words, const Drawn& d) {
+    const Line* in = line_at(p, inlet);
+    const double W = in ? in->TFLOW.value : 0.0;
+    if (sgn(W) * dP < kNegativeDrop)
+        ctx.warn(std::string(words) + trim(d.NAME[1]) + " has negative dP in direction of flow.");
+}
+
+void warn_bores_differ(RunContext& ctx, const Project& p, int inlet, int outlet, std::string_view words, const Drawn& d) {
+    if (bores_differ(p, inlet, outlet))
+        ctx.warn(std::string(words) + trim(d.NAME[1]) + " inlet and outlet pipe IDs differ.");
+}
 
 void refresh_tee(RunContext&, Project& p, Tee& t) {
     for (int j = 1; j <= 6; ++j) {
@@ -60,25 +66,24 @@ void refresh_nozzle_item(RunContext&, Project& p, NozzleItem& e) {
 }
 
 void warn_check(RunContext& ctx, const Project& p, const Check& cv) {
-    warn_negative_drop(ctx, p, cv.CON[1], cv.DP.value, "Warning! Check valve ", cv);
-    if (bores_differ(p, cv.CON[1], cv.CON[2]))
-        ctx.log_error("Warning! Check valve " + trim(cv.NAME[1]) + " inlet and outlet pipe IDs differ.");
+    warn_negative_dP(ctx, p, cv.CON[1], cv.DP.value, "Warning! Check valve ", cv);
+    warn_bores_differ(ctx, p, cv.CON[1], cv.CON[2], "Warning! Check valve ", cv);
 }
 
 void warn_exchanger(RunContext& ctx, const Project& p, const HX& hx) {
-    warn_negative_drop(ctx, p, hx.NOZI.CON, hx.DP.value, "Warning! Exchanger ", hx);
+    warn_negative_dP(ctx, p, hx.NOZI.CON, hx.DP.value, "Warning! Exchanger ", hx);
 }
 
 void warn_misc(RunContext& ctx, const Project& p, const Misc& m) {
-    warn_negative_drop(ctx, p, m.NOZI.CON, m.DP.value, "Warning! Miscellaneous equip ", m);
+    warn_negative_dP(ctx, p, m.NOZI.CON, m.DP.value, "Warning! Miscellaneous equip ", m);
 }
 
 void warn_expander(RunContext& ctx, const Expand& e) {
-    if (e.CHOKE) ctx.log_error("Warning! Choked flow through expander " + trim(e.NAME[1]));
+    if (e.CHOKE) ctx.warn("Warning! Choked flow through expander " + trim(e.NAME[1]));
 }
 
 void warn_tee(RunContext& ctx, const Project& p, const Tee& t) {
-    if (bores_differ(p, t.C[2], t.M[2])) ctx.log_error("Error! Tee " + trim(t.NAME[1]) + " manifold pipe IDs differ.");
+    if (bores_differ(p, t.C[2], t.M[2])) ctx.warn("Error! Tee " + trim(t.NAME[1]) + " manifold pipe IDs differ.");
 }
 
 }  // namespace velm

@@ -7,6 +7,8 @@
 // nothing on the refresh path.
 #pragma once
 
+#include <string_view>
+
 #include "model/records.hpp"
 
 namespace velm {
@@ -30,7 +32,14 @@ void refresh_expander(RunContext& ctx, Project& p, Expand& e);
 void refresh_nozzle_item(RunContext& ctx, Project& p, NozzleItem& e);
 
 // Warnings after a case, for one record; name is the record's tag NAME[1],
-// trimmed. Flow W is that of the inlet line.
+// trimmed. Flow W is that of the inlet line. Each goes to the run log and to
+// the case's warnings (RunContext::warn).
+//   "<words><name> has negative dP in direction of flow." when sign(W) * dP
+//     < -1e-06 kPa, W the flow of line `inlet`;
+void warn_negative_dP(RunContext& ctx, const Project& p, int inlet, double dP, std::string_view words, const Drawn& d);
+//   "<words><name> inlet and outlet pipe IDs differ." when the two lines' ID
+//     differ by more than 0.01 m.
+void warn_bores_differ(RunContext& ctx, const Project& p, int inlet, int outlet, std::string_view words, const Drawn& d);
 //   "Warning! Check valve <name> has negative dP in direction of flow."
 //     when sign(W) * DP < -1e-06 kPa; then
 //   "Warning! Check valve <name> inlet and outlet pipe IDs differ." when the

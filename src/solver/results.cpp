@@ -1,33 +1,40 @@
 #include "solver/results.hpp"
 
 #include "correlations/control_valve.hpp"
+#include "correlations/flow_regimes.hpp"
 #include "correlations/orifice.hpp"
 #include "correlations/pipe.hpp"
 #include "correlations/pump.hpp"
 #include "correlations/sizing.hpp"
 #include "model/context.hpp"
-#include "model/fault.hpp"
+#include "solver/warnings.hpp"
 
 namespace velm {
 
+namespace {
+
+void final_line(RunContext& ctx, Project& p, Line& l) {
+    l.DPL = PipeDP(ctx, p.gen, l, l.ID.value, l.IDH.value, "dP100");
+    l.VEL[3] = velocity(ctx, l.TFLOW.value, l.TPROP[3], l.ID.value);
+    if (l.COLOR == p.color_error) l.COLOR = p.color_normal;
+    // Equivalent length of the fittings at the flowing friction factor.
+    const double k_fittings = pipe_K(ctx, l.IDH.value, 0.0, l.FITLD, l.FITK, l.F[1], l.F[2]);
+    l.EQLEN = l.F[1] > 0.0 ? k_fittings * l.IDH.value / l.F[1] : 0.0;
+    pipe_size_neighbours(ctx, p, l);
+    pipe_flow_regime(ctx, l);
+}
+
+}  // namespace
+
 void HydrResulFinalSub(RunContext& ctx, Project& p, int case_no) {
-    try {
-        for (std::size_t i = 1; i < p.lines.size(); ++i) {
-            Line& l = p.lines[i];
-            l.DPL = PipeDP(ctx, p.gen, l, l.ID.value, l.IDH.value, "dP100");
-            l.VEL[3] = velocity(ctx, l.TFLOW.value, l.TPROP[3], l.ID.value);
-            if (l.COLOR == p.color_error) l.COLOR = p.color_normal;
-            // Equivalent length of the fittings at the flowing friction factor.
-            const double k_fittings = pipe_K(ctx, l.IDH.value, 0.0, l.FITLD, l.FITK, l.F[1], l.F[2]);
-            l.EQLEN = l.F[1] > 0.0 ? k_fittings * l.IDH.value / l.F[1] : 0.0;
-            pipe_size_neighbours(ctx, p, l);
-        }
-        for (std::size_t i = 1; i < p.fos.size(); ++i) final_orifice(ctx, p, p.fos[i], case_no);
-        for (std::size_t i = 1; i < p.valves.size(); ++i) final_valve(ctx, p, p.valves[i], case_no);
-        for (std::size_t i = 1; i < p.pumps.size(); ++i) final_pump(ctx, p, p.pumps[i], case_no);
-    } catch (const Fault& f) {
-        ctx.log_error("Error! In HydrResulFinalSub = " + fault_text(f));
-    }
+    // The warnings of this case start afresh: the report prints the list once
+    // this routine has filled it.
+    ctx.case_warnings.clear();
+    for_each_final(ctx, p.lines, [&](Line& l) { final_line(ctx, p, l); });
+    for_each_final(ctx, p.fos, [&](FO& fo) { final_orifice(ctx, p, fo, case_no); });
+    for_each_final(ctx, p.valves, [&](Valve& v) { final_valve(ctx, p, v, case_no); });
+    for_each_final(ctx, p.pumps, [&](Pump& m) { final_pump(ctx, p, m, case_no); });
+    HydrResulWarnings(ctx, p, case_no);
 }
 
 }  // namespace velm

@@ -9,6 +9,7 @@
 #include "model/context.hpp"
 #include "model/fault.hpp"
 #include "model/number_format.hpp"
+#include "reports/hydraulic_report.hpp"
 #include "solver/checks.hpp"
 #include "solver/network.hpp"
 #include "solver/properties.hpp"
@@ -128,6 +129,7 @@ void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on
         }
         ctx.log_error(msg);
         ctx.run_signal = msg;
+        WriteHydrReport(ctx, p, ix, "resulth.rtf");
         result.cases.push_back(cr);
         if (on_case_end) on_case_end(ix, cr);
         ctx.run_signal.clear();
