@@ -2,7 +2,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -12,6 +14,16 @@
 #include "model/records.hpp"
 
 namespace velm {
+
+// An empty directory under the system's temporary directory, named for the
+// test and this process, so that tests running side by side never share one.
+inline std::filesystem::path scratch_dir(const std::string& name) {
+    const auto dir = std::filesystem::temp_directory_path() / ("velm_" + name + "_" + std::to_string(::getpid()));
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
+    std::filesystem::create_directories(dir, ec);
+    return dir;
+}
 
 // The messages logged in a run since the last call, in order; the run log is
 // emptied. Needs ctx.run_active.

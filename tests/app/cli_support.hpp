@@ -1,6 +1,8 @@
 // Runs the built velm executable as a user would, for the command line tests.
 #pragma once
 
+#include "tests/test_support.hpp"
+
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -40,10 +42,7 @@ inline Outcome velm(const std::string& args, const fs::path& dir) {
 
 // An empty directory of that name under the system's temporary directory.
 inline fs::path fresh_dir(const std::string& name) {
-    const fs::path dir = fs::temp_directory_path() / ("velm_cli_" + name);
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    return dir;
+    return scratch_dir("cli_" + name);
 }
 
 }  // namespace velm::test

@@ -9,6 +9,7 @@
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/vdf_schema.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {
@@ -92,8 +93,7 @@ TEST(VdfRoundTrip, AFailedSaveLeavesTheOldFile) {
     RunContext ctx(ui);
     Project p;
     NewProject(p);
-    const auto dir = std::filesystem::temp_directory_path() / "velm_save_test";
-    std::filesystem::create_directories(dir);
+    const auto dir = scratch_dir("save");
     const auto file = dir / "a.vdf";
     ASSERT_TRUE(save_vdf(ctx, p, file));
     const auto size = std::filesystem::file_size(file);

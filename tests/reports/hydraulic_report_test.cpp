@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/test_support.hpp"
+
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -85,8 +87,7 @@ struct PumpLoopRun {
     std::string rtf;
 
     PumpLoopRun(const std::string& caserpt, const std::string& units = "Metric") {
-        ctx.data_dir = std::filesystem::temp_directory_path() / "velm_test_report";
-        std::filesystem::remove_all(ctx.data_dir);
+        ctx.data_dir = scratch_dir("report");
         ctx.project_file = "C:\\Plant\\pump_loop.vdf";
         NewProject(p);
         EXPECT_TRUE(ReadPipeLib(ctx, p.pipedata));

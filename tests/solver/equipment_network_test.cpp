@@ -12,6 +12,7 @@
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "solver/run.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {
@@ -21,8 +22,7 @@ struct ExampleRun {
     RunContext ctx{ui};
     Project p;
     explicit ExampleRun(const std::string& example) {
-        ctx.data_dir = std::filesystem::temp_directory_path() / "velm_equipment_test";
-        std::filesystem::create_directories(ctx.data_dir);
+        ctx.data_dir = scratch_dir("equipment");
         ctx.soserror = 1e-10;
         ctx.max_iter = 100;
         NewProject(p);

@@ -16,16 +16,10 @@
 #include "model/project_file.hpp"
 #include "solver/network.hpp"
 #include "solver/run.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {
-
-std::filesystem::path scratch_dir(const std::string& name) {
-    const auto dir = std::filesystem::temp_directory_path() / ("velm_test_" + name);
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    return dir;
-}
 
 struct Session {
     RecordingInteraction ui;
