@@ -1,6 +1,7 @@
 #include "solver/sparse.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -17,15 +18,20 @@ void ensure_size(std::vector<T>& v, std::size_t size) {
 }
 
 // Sizes the work arrays for order n, never shrinking them, and sets the state
-// every solve starts from: identity column order, a zero work row, U empty
-// with room for at least 4*n entries. The work row is cleared here because a
-// solve that stopped early may leave values in it.
+// every solve starts from: identity column order, a zero work row, an empty
+// position set, U empty with room for at least 4*n entries. The work row and
+// the set are cleared here because a solve that stopped early may leave
+// entries in them.
 void prepare(SparseWork& w, int n) {
     const auto m = static_cast<std::size_t>(n);
+    const auto words = (m >> 6) + 1;
+    const auto summary_words = (m >> 12) + 1;
     ensure_size(w.C, m + 1);
     ensure_size(w.IC, m + 1);
     ensure_size(w.Y, m + 1);
-    ensure_size(w.L, m + 2);
+    ensure_size(w.S, words);
+    ensure_size(w.SW, summary_words);
+    ensure_size(w.R, m + 1);
     ensure_size(w.IU, m + 2);
     ensure_size(w.D, m + 1);
     ensure_size(w.JU, 4 * m + 1);
@@ -35,21 +41,78 @@ void prepare(SparseWork& w, int n) {
         w.IC[k] = k;
     }
     std::fill(w.Y.begin(), w.Y.begin() + n + 1, 0.0);
+    std::fill(w.S.begin(), w.S.begin() + static_cast<std::ptrdiff_t>(words), 0);
+    std::fill(w.SW.begin(), w.SW.begin() + static_cast<std::ptrdiff_t>(summary_words), 0);
     w.IU[1] = 1;
 }
 
-// Inserts position c into the ascending linked list L, searching forward from
-// the node `from`, which must come before c in the list (the head, n + 1,
-// comes before every position; the terminator, also n + 1, after every one).
-// Returns false when c is in the list already.
-bool list_insert(std::vector<int>& L, int from, int c) {
-    int p = from;
-    while (L[p] < c) p = L[p];
-    if (L[p] == c) return false;
-    L[c] = L[p];
-    L[p] = c;
-    return true;
+// Makes room for `size` entries of U, at least doubling what there is, so
+// that rows filling in one after another cause few reallocations.
+void grow_upper(SparseWork& w, std::size_t size) {
+    if (w.JU.size() >= size) return;
+    const std::size_t grown = std::max(size, 2 * w.JU.size());
+    w.JU.resize(grown);
+    w.U.resize(grown);
 }
+
+constexpr std::uint64_t bit(int b) { return std::uint64_t{1} << (b & 63); }
+
+// The positions of the row being reduced, over the two-level bit set of the
+// work arrays (see SparseWork). Every operation keeps SW marking exactly the
+// non-zero words of S. The search for the smallest position starts at a
+// summary word below which the set is known to be empty; the caller resets it
+// for each row, and as positions are only ever added above the last one taken
+// out, it only moves up within a row.
+class PositionSet {
+public:
+    PositionSet(SparseWork& w, int n)
+        : s_(w.S.data()), sw_(w.SW.data()), summary_words_((n >> 12) + 1), none_(n + 1) {}
+
+    void restart() { from_ = 0; }
+    bool contains(int p) const { return (s_[p >> 6] & bit(p)) != 0; }
+    void insert(int p) {
+        s_[p >> 6] |= bit(p);
+        sw_[p >> 12] |= bit(p >> 6);
+    }
+
+    // The smallest position, or n + 1 when the set is empty.
+    int smallest() {
+        while (sw_[from_] == 0)
+            if (++from_ == summary_words_) return none_;
+        const int word = (from_ << 6) | std::countr_zero(sw_[from_]);
+        return (word << 6) | std::countr_zero(s_[word]);
+    }
+
+    // Takes out p, which must be the smallest position.
+    void take_smallest(int p) {
+        const int word = p >> 6;
+        s_[word] &= s_[word] - 1;
+        if (s_[word] == 0) sw_[word >> 6] &= ~bit(word);
+    }
+
+    // Writes every position to out in ascending order and empties the set;
+    // returns how many there were.
+    int drain(int* out) {
+        int count = 0;
+        for (int f = from_; f < summary_words_; ++f) {
+            for (std::uint64_t words = sw_[f]; words != 0; words &= words - 1) {
+                const int word = (f << 6) | std::countr_zero(words);
+                for (std::uint64_t bits = s_[word]; bits != 0; bits &= bits - 1)
+                    out[count++] = (word << 6) | std::countr_zero(bits);
+                s_[word] = 0;
+            }
+            sw_[f] = 0;
+        }
+        return count;
+    }
+
+private:
+    std::uint64_t* s_;
+    std::uint64_t* sw_;
+    int summary_words_;
+    int none_;
+    int from_ = 0;
+};
 
 // The elimination and back substitution. Numeric faults are raised as Fault
 // by the checked helpers and caught by SolveMatrix.
@@ -58,91 +121,81 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
     if (n < 0 || IA.size() < static_cast<std::size_t>(n) + 2 || B.size() < static_cast<std::size_t>(n) + 1)
         return kSolveBadRow;
     prepare(w, n);
-    auto& C = w.C;
-    auto& IC = w.IC;
-    auto& Y = w.Y;
-    auto& L = w.L;
-    auto& IU = w.IU;
-    auto& JU = w.JU;
-    auto& U = w.U;
-    auto& D = w.D;
-    const int head = n + 1;  // head and terminator of the list
+    int* const C = w.C.data();
+    int* const IC = w.IC.data();
+    double* const Y = w.Y.data();
+    int* const R = w.R.data();
+    int* const IU = w.IU.data();
+    double* const D = w.D.data();
+    PositionSet row(w, n);
     const std::size_t stored = std::min(A.size(), JA.size());
 
     for (int k = 1; k <= n; ++k) {
         // The row's entries must lie within the arrays; a row the assembly
         // never reached keeps a start of 0 (or ends before it starts).
-        L[head] = head;
+        row.restart();
         const int row_begin = IA[k];
         const int row_end = IA[k + 1];
         if (row_begin < 1 || row_begin >= row_end || static_cast<std::size_t>(row_end) > stored)
             return kSolveBadRow;
 
         // Scatter the row into the dense work row by position, from its last
-        // entry to its first, so that a row stored in ascending order finds
-        // its place at the head of the list at once.
+        // entry to its first, which decides the status of a row that has
+        // both a column out of range and a repeated one.
         for (int j = row_end - 1; j >= row_begin; --j) {
             const int col = JA[j];
             if (col < 1 || col > n) return kSolveBadRow;
             const int c = IC[col];
-            if (!list_insert(L, head, c)) return kSolveDuplicateColumn;
+            if (row.contains(c)) return kSolveDuplicateColumn;
+            row.insert(c);
             Y[c] = A[j];
         }
 
         // Reduce the row against the rows of U at the positions before k, in
-        // ascending order. A position whose value is 0 may be new to the list;
-        // the search for its place starts at the last insertion when it lies
-        // beyond it, so that fill arriving in ascending order stays linear.
+        // ascending order. Row i of U holds only positions beyond i, so fill
+        // never lands below the position being eliminated. A position whose
+        // value is 0 may be new to the set; inserting it again is harmless.
+        const int* const JU = w.JU.data();
+        const double* const U = w.U.data();
         double dk = B[k];
-        int prev = head;  // the list node before position i
-        int i = L[head];
-        int last = 0;  // last position inserted by this row, 0 for none
+        int i = row.smallest();
         while (i < k) {
+            row.take_smallest(i);
             const double lki = -Y[i];
             Y[i] = 0.0;
             dk += lki * D[i];
             for (int j = IU[i]; j < IU[i + 1]; ++j) {
                 const int c = IC[JU[j]];
-                if (Y[c] == 0.0) {
-                    const int from = (last > i && c > last) ? last : i;
-                    if (list_insert(L, from, c)) last = c;
-                }
+                if (Y[c] == 0.0) row.insert(c);
                 Y[c] += lki * U[j];
             }
-            prev = i;
-            i = L[i];
+            i = row.smallest();
         }
         if (i > n) return kSolveNoPivot;  // nothing left at or beyond k
 
         // Pivot: the largest magnitude among the remaining positions, taken
         // in ascending order; a later candidate wins only when strictly
         // greater, so a tie keeps the smaller position.
-        const int first = i;
-        int pivot = first;
-        int before_pivot = prev;
+        const int remaining = row.drain(R);
+        const int first = R[0];
+        int at = 0;
         double largest = std::fabs(Y[first]);
-        int count = 0;  // remaining entries other than the pivot
-        for (int p = first, next = L[first]; next <= n; p = next, next = L[next]) {
-            ++count;
-            if (std::fabs(Y[next]) > largest) {
-                largest = std::fabs(Y[next]);
-                pivot = next;
-                before_pivot = p;
+        for (int t = 1; t < remaining; ++t) {
+            if (std::fabs(Y[R[t]]) > largest) {
+                largest = std::fabs(Y[R[t]]);
+                at = t;
             }
         }
         if (largest == 0.0) return kSolveNoPivot;
+        const int pivot = R[at];
         const double inv = checked_div(1.0, checked(Y[pivot]));
 
-        // Take the pivot out of the list and exchange positions k and pivot.
-        // When position k is the first remaining entry its value moves to the
-        // pivot's place, which stays listed, so stepping past k removes the
-        // pivot in effect; likewise when the pivot itself is first.
-        int rest = first;
-        if (first == k || first == pivot) {
-            rest = L[first];
-        } else {
-            L[before_pivot] = L[pivot];
-        }
+        // Exchange positions k and pivot and leave the pivot out of row k of
+        // U. When position k is the first remaining entry its value moves to
+        // the pivot's place, which stays in the row at the pivot's rank, so it
+        // is k that is left out; likewise when the pivot itself is first.
+        // Otherwise k is not in the row at all and the pivot is left out.
+        const int skip = (first == k || first == pivot) ? 0 : at;
         Y[pivot] = Y[k];
         std::swap(C[k], C[pivot]);
         IC[C[k]] = k;
@@ -150,30 +203,32 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
         Y[k] = 0.0;
         D[k] = checked(dk * inv);
 
-        // Row k of U: the remaining entries divided by the pivot. U grows only
-        // when the fill passes its present size (at least 4*n entries).
-        IU[k + 1] = IU[k] + count;
-        if (static_cast<std::size_t>(IU[k + 1]) > JU.size()) {
-            JU.resize(static_cast<std::size_t>(IU[k + 1]));
-            U.resize(static_cast<std::size_t>(IU[k + 1]));
-        }
+        // Row k of U: the remaining entries divided by the pivot.
+        IU[k + 1] = IU[k] + remaining - 1;
+        grow_upper(w, static_cast<std::size_t>(IU[k + 1]));
+        int* const JUk = w.JU.data();
+        double* const Uk = w.U.data();
         int e = IU[k];
-        for (int p = rest; p <= n; p = L[p]) {
-            JU[e] = C[p];
-            U[e] = checked(inv * Y[p]);
+        for (int t = 0; t < remaining; ++t) {
+            if (t == skip) continue;
+            const int p = R[t];
+            JUk[e] = C[p];
+            Uk[e] = checked(inv * Y[p]);
             Y[p] = 0.0;
             ++e;
         }
     }
 
     // Back substitution by position; the value at position k belongs to column C[k].
+    const int* const JU = w.JU.data();
+    const double* const U = w.U.data();
     for (int k = n; k >= 1; --k) {
         double s = D[k];
         for (int j = IU[k]; j < IU[k + 1]; ++j) s -= U[j] * D[IC[JU[j]]];
         D[k] = checked(s);
         Y[C[k]] = s;
     }
-    std::copy(Y.begin() + 1, Y.begin() + n + 1, B.begin() + 1);
+    std::copy(Y + 1, Y + n + 1, B.begin() + 1);
     return kSolveOk;
 }
 
