@@ -18,10 +18,10 @@ void ensure_size(std::vector<T>& v, std::size_t size) {
 }
 
 // Sizes the work arrays for order n, never shrinking them, and sets the state
-// every solve starts from: identity column order, a zero work row, an empty
-// position set, U empty with room for at least 4*n entries. The work row and
-// the set are cleared here because a solve that stopped early may leave
-// entries in them.
+// every solve starts from: identity column order, a zero work row with no
+// column marked, an empty position set, U empty with room for at least 4*n
+// entries. The work row and the set are cleared here because a solve that
+// stopped early may leave entries in them.
 void prepare(SparseWork& w, int n) {
     const auto m = static_cast<std::size_t>(n);
     const auto words = (m >> 6) + 1;
@@ -29,6 +29,7 @@ void prepare(SparseWork& w, int n) {
     ensure_size(w.C, m + 1);
     ensure_size(w.IC, m + 1);
     ensure_size(w.Y, m + 1);
+    ensure_size(w.M, m + 1);
     ensure_size(w.S, words);
     ensure_size(w.SW, summary_words);
     ensure_size(w.R, m + 1);
@@ -41,6 +42,7 @@ void prepare(SparseWork& w, int n) {
         w.IC[k] = k;
     }
     std::fill(w.Y.begin(), w.Y.begin() + n + 1, 0.0);
+    std::fill(w.M.begin(), w.M.begin() + n + 1, 0);
     std::fill(w.S.begin(), w.S.begin() + static_cast<std::ptrdiff_t>(words), 0);
     std::fill(w.SW.begin(), w.SW.begin() + static_cast<std::ptrdiff_t>(summary_words), 0);
     w.IU[1] = 1;
@@ -69,7 +71,6 @@ public:
         : s_(w.S.data()), sw_(w.SW.data()), summary_words_((n >> 12) + 1), none_(n + 1) {}
 
     void restart() { from_ = 0; }
-    bool contains(int p) const { return (s_[p >> 6] & bit(p)) != 0; }
     void insert(int p) {
         s_[p >> 6] |= bit(p);
         sw_[p >> 12] |= bit(p >> 6);
@@ -124,6 +125,7 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
     int* const C = w.C.data();
     int* const IC = w.IC.data();
     double* const Y = w.Y.data();
+    int* const M = w.M.data();
     int* const R = w.R.data();
     int* const IU = w.IU.data();
     double* const D = w.D.data();
@@ -139,35 +141,42 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
         if (row_begin < 1 || row_begin >= row_end || static_cast<std::size_t>(row_end) > stored)
             return kSolveBadRow;
 
-        // Scatter the row into the dense work row by position, from its last
-        // entry to its first, which decides the status of a row that has
-        // both a column out of range and a repeated one.
+        // Scatter the row into the dense work row, from its last entry to
+        // its first, which decides the status of a row that has both a
+        // column out of range and a repeated one. M[col] = k marks the
+        // columns of row k, so no mark needs clearing between rows.
         for (int j = row_end - 1; j >= row_begin; --j) {
             const int col = JA[j];
             if (col < 1 || col > n) return kSolveBadRow;
-            const int c = IC[col];
-            if (row.contains(c)) return kSolveDuplicateColumn;
-            row.insert(c);
-            Y[c] = A[j];
+            if (M[col] == k) return kSolveDuplicateColumn;
+            M[col] = k;
+            row.insert(IC[col]);
+            Y[col] = A[j];
         }
 
         // Reduce the row against the rows of U at the positions before k, in
         // ascending order. Row i of U holds only positions beyond i, so fill
-        // never lands below the position being eliminated. A position whose
-        // value is 0 may be new to the set; inserting it again is harmless.
+        // never lands below the position being eliminated. The work row is
+        // kept by column, so that an update needs no position; only a column
+        // new to the row is looked up, to enter its position in the set.
         const int* const JU = w.JU.data();
         const double* const U = w.U.data();
         double dk = B[k];
         int i = row.smallest();
         while (i < k) {
             row.take_smallest(i);
-            const double lki = -Y[i];
-            Y[i] = 0.0;
+            const double lki = -Y[C[i]];
+            Y[C[i]] = 0.0;
             dk += lki * D[i];
-            for (int j = IU[i]; j < IU[i + 1]; ++j) {
-                const int c = IC[JU[j]];
-                if (Y[c] == 0.0) row.insert(c);
-                Y[c] += lki * U[j];
+            const int* const cols_end = JU + IU[i + 1];
+            const double* u = U + IU[i];
+            for (const int* cols = JU + IU[i]; cols != cols_end; ++cols, ++u) {
+                const int col = *cols;
+                if (M[col] != k) {
+                    M[col] = k;
+                    row.insert(IC[col]);
+                }
+                Y[col] += lki * *u;
             }
             i = row.smallest();
         }
@@ -179,28 +188,30 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
         const int remaining = row.drain(R);
         const int first = R[0];
         int at = 0;
-        double largest = std::fabs(Y[first]);
+        double largest = std::fabs(Y[C[first]]);
         for (int t = 1; t < remaining; ++t) {
-            if (std::fabs(Y[R[t]]) > largest) {
-                largest = std::fabs(Y[R[t]]);
+            const double size = std::fabs(Y[C[R[t]]]);
+            if (size > largest) {
+                largest = size;
                 at = t;
             }
         }
         if (largest == 0.0) return kSolveNoPivot;
         const int pivot = R[at];
-        const double inv = checked_div(1.0, checked(Y[pivot]));
+        const int pivot_col = C[pivot];
+        const double inv = checked_div(1.0, checked(Y[pivot_col]));
 
         // Exchange positions k and pivot and leave the pivot out of row k of
-        // U. When position k is the first remaining entry its value moves to
-        // the pivot's place, which stays in the row at the pivot's rank, so it
-        // is k that is left out; likewise when the pivot itself is first.
-        // Otherwise k is not in the row at all and the pivot is left out.
-        const int skip = (first == k || first == pivot) ? 0 : at;
-        Y[pivot] = Y[k];
+        // U. When position k is the first remaining entry, its column moves
+        // to the pivot's position and stays in the row at the pivot's rank,
+        // so it is k that is left out; otherwise k is not in the row at all
+        // and the pivot is left out. The values stay with their columns; the
+        // pivot's is spent.
+        const int skip = first == k ? 0 : at;
         std::swap(C[k], C[pivot]);
         IC[C[k]] = k;
         IC[C[pivot]] = pivot;
-        Y[k] = 0.0;
+        Y[pivot_col] = 0.0;
         D[k] = checked(dk * inv);
 
         // Row k of U: the remaining entries divided by the pivot.
@@ -211,10 +222,10 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
         int e = IU[k];
         for (int t = 0; t < remaining; ++t) {
             if (t == skip) continue;
-            const int p = R[t];
-            JUk[e] = C[p];
-            Uk[e] = checked(inv * Y[p]);
-            Y[p] = 0.0;
+            const int col = C[R[t]];
+            JUk[e] = col;
+            Uk[e] = checked(inv * Y[col]);
+            Y[col] = 0.0;
             ++e;
         }
     }

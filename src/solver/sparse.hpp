@@ -36,7 +36,8 @@ inline constexpr int kSolveNoPivot = 4;          // a row without a non-zero piv
 struct SparseWork {
     std::vector<int> C;     // C[k]: the column at position k (positions 1..n)
     std::vector<int> IC;    // IC[j]: the position of column j, the inverse of C
-    std::vector<double> Y;  // dense work row by position, all 0 between rows
+    std::vector<double> Y;  // dense work row by column, all 0 between rows
+    std::vector<int> M;     // M[j] = k: column j is in row k, reduced or not
     std::vector<std::uint64_t> S;   // positions of the current row, 64 to a word
     std::vector<std::uint64_t> SW;  // bit w: word w of S is not 0
     std::vector<int> R;     // the positions at and beyond k left in row k, ascending
