@@ -484,6 +484,17 @@ TEST(SparseIdentity, SolveMatrixMatchesThePlainEliminationBitForBit) {
          [=](Rows r) { return set_value(r, 100, 1, nan); }},
         {"grid network, a late pivot too small to invert", grid(6, 8, false, 67u), kSolveNoPivot,
          [](Rows r) { return scale_row(r, 60, 1e-321); }},
+        // Rows 177 to 184 are eliminated side by side; the first of them to
+        // fail decides the status, whatever the kind of failure after it.
+        {"random, a repeated column before a column out of range", random(200, 3, false, 68u),
+         kSolveDuplicateColumn,
+         [](Rows r) { return set_column(set_column(r, 178, 2, r.rows[177][0].first), 181, 1, 999); }},
+        {"random, a column out of range before a repeated column", random(200, 3, false, 68u), kSolveBadRow,
+         [](Rows r) { return set_column(set_column(r, 181, 2, r.rows[180][0].first), 178, 1, 999); }},
+        {"random, a row of zeros before a repeated column", random(200, 3, true, 69u), kSolveNoPivot,
+         [](Rows r) { return set_column(zero_row(r, 179), 183, 2, r.rows[182][0].first); }},
+        {"random, a pivot too small before a row without entries", random(200, 3, true, 70u), kSolveNoPivot,
+         [](Rows r) { return empty_row(scale_row(r, 180, 1e-321), 182); }},
         {"order 1", [] { return Rows{{{{1, -3.0}}}, {7.0}}; }, kSolveOk},
     };
     SparseWork work;  // shared by every case, as the network iteration shares it
