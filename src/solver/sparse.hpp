@@ -3,13 +3,15 @@
 // SolveMatrix solves A*x = b by row-wise Gaussian elimination with column
 // pivoting, in the manner of Sherman's NSPIV (ACM TOMS Algorithm 533, 1978):
 // rows are eliminated in their natural order, each row is reduced against the
-// rows before it through a dense work row and an ascending linked list of its
-// non-zero positions, and the largest entry of the reduced row is taken as the
-// pivot, so that only the columns are permuted. The strictly upper factor U is
-// kept row by row with a unit diagonal implied; the forward-reduced right-hand
-// side is kept beside it and back substitution gives the solution.
+// rows before it through a dense work row and the set of its non-zero
+// positions, taken in ascending order, and the largest entry of the reduced
+// row is taken as the pivot, so that only the columns are permuted. The
+// strictly upper factor U is kept row by row with a unit diagonal implied;
+// the forward-reduced right-hand side is kept beside it and back substitution
+// gives the solution.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "model/context.hpp"
@@ -25,12 +27,24 @@ inline constexpr int kSolveNoPivot = 4;          // a row without a non-zero piv
 // Work arrays of SolveMatrix, all 1-based with element 0 unused. They are
 // sized on the first call and kept, so that repeated solves of systems of the
 // same size allocate nothing; U and JU grow only when the fill demands it.
-// After a solve that returned kSolveOk they describe the factorisation.
+// After a solve that returned kSolveOk, C, IC, IU, JU, U and D describe the
+// factorisation.
+//
+// Rows are reduced a block at a time, each in a slot of its own, so that the
+// rows of U before the block are read once for the block rather than once for
+// each row. The positions of a row are kept as a bit set of two levels: bit p
+// of S for position p, and bit w of SW for a non-zero word w of S. The
+// smallest position is then found in two steps and an insertion costs O(1),
+// where a sorted list costs a search through the row, which rows filled to
+// hundreds of entries turn into the bulk of the work.
 struct SparseWork {
     std::vector<int> C;     // C[k]: the column at position k (positions 1..n)
     std::vector<int> IC;    // IC[j]: the position of column j, the inverse of C
-    std::vector<double> Y;  // dense work row by position, all 0 between rows
-    std::vector<int> L;     // ascending list of the positions in the current row; n + 1 is head and terminator
+    std::vector<double> Y;  // dense work rows by column, the slots side by side; 0 outside the rows
+    std::vector<std::uint64_t> M;   // M[j]: the block and the slots whose rows hold column j
+    std::vector<std::uint64_t> S;   // positions of the row in each slot, 64 to a word
+    std::vector<std::uint64_t> SW;  // bit w: word w of S is not 0
+    std::vector<int> R;     // the positions at and beyond k left in row k, ascending
     std::vector<int> IU;    // IU[k]: first entry of row k of U; IU[n + 1] - 1 entries in all
     std::vector<int> JU;    // columns of the entries of U
     std::vector<double> U;  // values of the strictly upper factor, the pivot divided out
