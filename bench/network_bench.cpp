@@ -124,6 +124,7 @@ BENCHMARK(BM_HydrSolve)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMilli
 // The third argument puts a pump and a control valve on every hundredth connection.
 BENCHMARK(BM_RunToConvergence)
     ->Args({16, 32, 0})
+    ->Args({16, 32, 1})
     ->Args({50, 100, 0})
     ->Args({50, 100, 1})
     ->Unit(benchmark::kMillisecond)
