@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Builds everything and runs the whole test suite, then runs the file-reading
-# tests again under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Builds everything, runs the file-reading tests under AddressSanitizer and
+# UndefinedBehaviorSanitizer, then runs the whole test suite.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/bootstrap.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELM_TESTS=ON -DVELM_BENCH=ON >/dev/null
 cmake --build build
-ctest --test-dir build --output-on-failure -j "$(nproc)"
-cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELM_SANITIZE=ON -DVELM_BENCH=OFF >/dev/null
+cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELM_SANITIZE=ON -DVELM_TESTS=ON -DVELM_BENCH=OFF >/dev/null
 cmake --build build-asan --target velm_tests velm
 ASAN_OPTIONS=detect_leaks=1 build-asan/velm_tests --gtest_filter='*Vdf*:*BadInput*:*PipeLib*' --gtest_brief=1
+ctest --test-dir build --output-on-failure -j "$(nproc)"
