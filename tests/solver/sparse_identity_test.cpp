@@ -15,6 +15,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <string>
 #include <utility>
@@ -211,7 +212,7 @@ Rows random_system(int n, int extra, bool dominant, unsigned seed) {
     std::uniform_real_distribution<double> value(-1.0, 1.0);
     std::uniform_int_distribution<int> column(1, n);
     std::vector<int> own(n);
-    for (int k = 0; k < n; ++k) own[k] = k + 1;
+    std::iota(own.begin(), own.end(), 1);
     if (!dominant) std::shuffle(own.begin(), own.end(), gen);
     std::vector<Entries> rows(n);
     for (int k = 0; k < n; ++k) {
