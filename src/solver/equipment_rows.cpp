@@ -67,22 +67,22 @@ void valve_rows(Specs& s, Valve& v, int pin, int pout) {
         s.drop(pin, pout, Valve_Cv_W2(s.ctx, s.p.gen, v, f), v.CON[1], 0.0);
 }
 
-void pump_rows(Specs& s, Pump& m, int pin, int pout) {
+// A machine's rise on its curve or as given, linearised at the last flow:
+// PIN - POUT - S*X(inlet) = -dP13; and its given pressures.
+template <class M>
+void machine_rows(Specs& s, M& m, int pin, int pout, double (*dP13)(RunContext&, const Project&, const M&, double&, int)) {
     if (s.set(m.DP.spec)) {
         double slope = 0.0;
-        const double dp13 = s.rows.build ? Pump_dP13(s.ctx, s.p, m, slope, s.case_no) : 0.0;
-        s.drop(pin, pout, slope, m.CON[1], -dp13);
+        const double rise = s.rows.build ? dP13(s.ctx, s.p, m, slope, s.case_no) : 0.0;
+        s.drop(pin, pout, slope, m.CON[1], -rise);
     }
     s.pressures(m, pin, pout);
 }
 
+void pump_rows(Specs& s, Pump& m, int pin, int pout) { machine_rows(s, m, pin, pout, Pump_dP13); }
+
 void comp_rows(Specs& s, Comp& m, int pin, int pout) {
-    if (s.set(m.DP.spec)) {
-        double slope = 0.0;
-        const double dp13 = s.rows.build ? Comp_dP13(s.ctx, s.p, m, slope, s.case_no) : 0.0;
-        s.drop(pin, pout, slope, m.CON[1], -dp13);
-    }
-    s.pressures(m, pin, pout);
+    machine_rows(s, m, pin, pout, Comp_dP13);
     if (s.set(m.PRAT.spec)) {
         // A ratio of absolute pressures: POUT + PATM = r (PIN + PATM).
         const double r = s.value(m.PRAT.spec);
