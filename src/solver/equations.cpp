@@ -88,6 +88,8 @@ bool equipment_var(const Project& p, const Columns& c, std::string_view name, in
         return 0;
     };
     const auto node_line = [](const auto& r) { return first_node_line(r); };
+    const auto line_pres = [](const Line& r, int) { return r.PRES[3]; };
+    const auto itself = [&p](const Line& r) { return static_cast<int>(&r - p.lines.data()); };
     // The first record of that name in column order decides, also when the
     // index is beyond its pressures.
     Match m = Match::None;
@@ -107,6 +109,7 @@ bool equipment_var(const Project& p, const Columns& c, std::string_view name, in
     look(p.tees, c.tee, 3, tee, tee_line);
     look(p.juncs, c.junc, 1, node, node_line);
     look(p.vessels, c.vessel, 1, node, node_line);
+    look(p.lines, c.line, 1, line_pres, itself);
     return m == Match::Found;
 }
 

@@ -273,7 +273,9 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
     // The drop between a boundary and its line, first column minus second
     // (source minus pipe inlet at a feed, pipe outlet minus sink at a product);
     // when choked, the pressure at the line end is the choke pressure instead.
-    auto boundary_dp = [&](Boundary& b, int first, int second, int line_end) {
+    // A user equation stands for the drop of a product only; at a feed an "E"
+    // is no number and the drop is 0.
+    auto boundary_dp = [&](Boundary& b, int first, int second, int line_end, bool takes_equation) {
         const int line = b.NOZ.CON;
         if (b.CHOKE && is_line(p, line)) {
             fixed(line_end, pipe_choke_pressure(ctx, p.gen, p.lines[line]));
@@ -282,7 +284,7 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         rows.begin();
         rows.add(1.0, first);
         rows.add(-1.0, second);
-        if (spec_is(b.DP.spec, case_no, 'E')) {
+        if (takes_equation && spec_is(b.DP.spec, case_no, 'E')) {
             if (rows.build) equation_row(ctx, p, net, rows, b.EQN, lb + line, b.DP.value, line, b.NOZ.dPLevel, b.NOZ.KFlow);
             return;
         }
@@ -293,14 +295,14 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         Feed& f = p.feeds[i];
         const int source = Columns::first(c.feed, i), pipe_inlet = Columns::second(c.feed, i);
         pressure(f, f.PRES, source);
-        if (is_specified(f.DP.spec, case_no)) boundary_dp(f, source, pipe_inlet, pipe_inlet);
+        if (is_specified(f.DP.spec, case_no)) boundary_dp(f, source, pipe_inlet, pipe_inlet, false);
     }
     for (int i = 1; i <= count(p.prods); ++i) {
         Prod& d = p.prods[i];
         const int pipe_outlet = Columns::first(c.prod, i), sink = Columns::second(c.prod, i);
         pressure(d, d.PRES, sink);
         if (is_specified(d.PIN.spec, case_no)) fixed(pipe_outlet, spec_value(d.PIN.spec, case_no));
-        if (is_specified(d.DP.spec, case_no)) boundary_dp(d, pipe_outlet, sink, pipe_outlet);
+        if (is_specified(d.DP.spec, case_no)) boundary_dp(d, pipe_outlet, sink, pipe_outlet, true);
     }
     equipment_spec_rows(ctx, p, net, rows, case_no);
     for (int i = 1; i <= count(p.juncs); ++i)

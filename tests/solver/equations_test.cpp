@@ -20,6 +20,7 @@ protected:
         p.lines[1].TFLOW.value = 5.0;
         p.lines[2].NAME[1] = "L2";
         p.lines[2].TFLOW.value = -4.0;
+        p.lines[2].PRES = {0.0, 160.0, 140.0, 150.0};
         p.lines[3].NAME[1] = "L3";  // at rest
         p.feeds.resize(2);
         p.feeds[1].NAME[1] = "F1";
@@ -121,7 +122,7 @@ TEST_F(Equations, MessagesInExactWords) {
 }
 
 // Lookups by name: trimmed and in capitals, the first kind in column order,
-// the pressure counted from 0 within the record.
+// the pressure counted from 0 within the record, lines last.
 TEST_F(Equations, EquipmentByName) {
     struct Row { const char* name; int index; bool found; int col; double W, P; };
     const Row rows[] = {
@@ -131,9 +132,10 @@ TEST_F(Equations, EquipmentByName) {
         {"f1", 0, true, Columns::first(cols.feed, 1), 5.0, 400.0},
         {"J1", 0, true, cols.junc + 2, 0.0, 200.0},
         {"J1", 1, false, 0, 0.0, 0.0},  // a junction has one pressure
-        {"L2", -1, true, cols.line + 2, -4.0, 0.0},
+        {"L2", -1, true, cols.line + 2, -4.0, 150.0},
         {"CV1", -1, false, 0, 0.0, 0.0},  // -1 looks at lines only
-        {"L2", 0, false, 0, 0.0, 0.0},    // and only -1 looks at lines
+        {"L2", 0, true, cols.line + 2, -4.0, 150.0},  // lines come last in column order
+        {"L2", 1, false, 0, 0.0, 0.0},             // a line has one value
         {"NONE", 0, false, 0, 0.0, 0.0},
     };
     for (const Row& r : rows) {

@@ -150,6 +150,26 @@ TEST(Network, GravityTransferMatchesAnIndependentBernoulliBalance) {
     EXPECT_NEAR(l.TFLOW.value, W, 0.005 * W);
 }
 
+// An "E" is an equation at a product's drop and a feed's pressure, but not at
+// a feed's drop, where it is no number (a drop of 0): the flow must not move.
+TEST(Network, UserEquationsStandOnlyWhereTheyAreHonoured) {
+    Session s("equations");
+    s.load("gravity_transfer.vdf");
+    ASSERT_TRUE(s.run().all_converged());
+    const double W = s.p.lines[1].TFLOW.value;
+    s.p.feeds[1].DP.spec = "E";
+    s.p.feeds[1].EQN.EQN1 = 2;  // as an equation it would fix the drop at 50 kPa
+    s.p.feeds[1].EQN.EQN6 = 50.0;
+    ASSERT_TRUE(s.run().all_converged());
+    EXPECT_NEAR(s.p.lines[1].TFLOW.value, W, 1e-6 * W);
+    // At the product the same equation takes the drop's row, and the flow moves.
+    s.p.feeds[1].DP.spec = "0";
+    s.p.prods[1].DP.spec = "E";
+    s.p.prods[1].EQN = s.p.feeds[1].EQN;
+    s.run();
+    EXPECT_GT(std::fabs(s.p.lines[1].TFLOW.value - W), 0.01 * W);
+}
+
 // A small network built in code: feed - line - junction - line - product.
 void simple_network(Project& p, int lines = 2) {
     auto add = [](auto& v) {
