@@ -795,8 +795,7 @@ def main():
     with open(os.path.join(ROOT, "tests", "data", "antoine_check.txt"), "w", encoding="ascii", newline="\n") as fh:
         fh.write("# number<TAB>T (K)<TAB>P (kPa) of the source vapour pressure correlation\n")
         fh.write("\n".join(checks) + "\n")
-    with open(os.path.join(ROOT, "data", "propkij.lib"), "w", encoding="ascii", newline="\r\n") as fh:
-        fh.write(KIJ_FILE)
+    write_kij(tables_dir, [(n, built[c]["name"], built[c]["formula"]) for c, n in numbers.items() if c in built])
 
     print("records: %d (%d components, record 1 holds the count)" % (count, len(built)))
     src_count = {}
@@ -817,13 +816,67 @@ def main():
             f[0], f[1], f[2], f[4], f[5], f[3]))
 
 
-# No table of interaction coefficients for the Soave equation is among the
-# published tables at hand, so the file carries its header only; pairs are
-# added as \KIJ lines with their source in the note.
-KIJ_FILE = (
-    '\\EOS, "SRK"\n'
-    '\\EOS, "Binary interaction coefficients kij: \\KIJ, number, number, kij, source. Pairs not listed are 0."\n'
-)
+# Interaction coefficients of the Soave (SRK) equation with van der Waals mixing,
+# from the thermopack component and mixing database (SINTEF, src/mixdatadb.f90,
+# set "Default"), as tabulated in "SRK kij thermopack.tsv".  Its components are
+# matched to the library by name (the table writes normal alkanes with "N-" and
+# pentane as "N-PENTAN"; four compounds go by other names here), and the
+# formula must agree (compared as a multiset of characters, so NH3 meets the
+# Hill-order H3N).
+KIJ_TABLE = "SRK kij thermopack.tsv"
+KIJ_SYNONYMS = {
+    "ISOBUTANE": "2-METHYLPROPANE",
+    "ISOPENTANE": "2-METHYLBUTANE",
+    "N-PENTAN": "PENTANE",
+    "1,2-DICHLOROTETRAFLUOROETHANE": "1,2-DICHLORO-1,1,2,2-TETRAFLUOROETHANE",
+    "CHLOROPENTAFLUOROETHANE": "1-CHLORO-1,1,2,2,2-PENTAFLUOROETHANE",
+}
+
+
+def kij_library_name(name):
+    name = name.strip().upper()
+    name = KIJ_SYNONYMS.get(name, name)
+    if name.startswith("N-") and name.endswith("ANE"):
+        name = name[2:]
+    return name
+
+
+def kij_lines(tables_dir, records):
+    """The \\KIJ lines of the pairs whose two components are in the library,
+    and the names of the table's components that are not."""
+    by_name = {r[1].upper(): (r[0], r[2]) for r in records}
+    missing = set()
+
+    def number(name, formula):
+        hit = by_name.get(kij_library_name(name))
+        if hit and sorted(hit[1].upper()) == sorted(formula.strip().upper()):
+            return hit[0]
+        missing.add(name)
+        return 0
+
+    lines, seen = [], set()
+    with open(os.path.join(tables_dir, KIJ_TABLE), encoding="utf-8") as fh:
+        for row in csv.DictReader(fh, delimiter="\t"):
+            i, j = number(row["name1"], row["formula1"]), number(row["name2"], row["formula2"])
+            if not i or not j or i == j or (min(i, j), max(i, j)) in seen:
+                continue
+            seen.add((min(i, j), max(i, j)))
+            note = "thermopack %s" % (row["doi"].strip() or row["set"].strip())
+            lines.append('\\KIJ, %d, %d, %s, "%s"' % (i, j, row["kij"].strip(), note))
+    return lines, sorted(missing)
+
+
+def write_kij(tables_dir, records):
+    lines, missing = kij_lines(tables_dir, records)
+    header = [
+        '\\EOS, "SRK"',
+        '\\EOS, "Binary interaction coefficients kij: \\KIJ, number, number, kij, source. Pairs not listed are 0."',
+        '\\EOS, "SRK with van der Waals mixing: thermopack database (SINTEF), src/mixdatadb.f90, set Default."',
+    ]
+    with open(os.path.join(ROOT, "data", "propkij.lib"), "w", encoding="ascii", newline="\r\n") as fh:
+        fh.write("\n".join(header + lines) + "\n")
+    print("kij pairs: %d written; table components not in the library: %s" % (len(lines), ", ".join(missing)))
+
 
 if __name__ == "__main__":
     main()

@@ -7,8 +7,9 @@ Sources: G. Soave, "Equilibrium constants from a modified Redlich-Kwong
 equation of state", Chem. Eng. Sci. 27 (1972) 1197-1203: a_i = 0.42747
 alpha_i (R Tc)^2 / Pc, b_i = 0.08664 R Tc / Pc, alpha_i = (1 + m_i (1 -
 sqrt(Tr)))^2 with m = 0.480 + 1.574 w - 0.176 w^2, the quadratic mixing rule
-a = sum x_i x_j (1 - k_ij) sqrt(a_i a_j) (here k_ij = 0) and b = sum x_i b_i,
-and its fugacity coefficient. The flash is the Rachford-Rice equation
+a = sum x_i x_j (1 - k_ij) sqrt(a_i a_j) and b = sum x_i b_i, and its
+fugacity coefficient. The k_ij are those of data/propkij.lib (the thermopack
+SRK database, van der Waals mixing), 0 for pairs it does not list. The flash is the Rachford-Rice equation
 (H. H. Rachford and J. D. Rice, J. Petrol. Technol. 4 (1952) 19) solved by
 scipy.optimize.brentq inside successive substitution on ln K to 1e-13, then
 polished by scipy.optimize.fsolve on the equal-fugacity equations.
@@ -24,6 +25,10 @@ Rows (comma-separated; lists inside a field separated by blanks):
          positive / largest)
   PHI    values: ln phi of each component in the phase of that composition
   FLASH  mole_fractions: feed; values: V, x_1..x_n, y_1..y_n
+  DEW    mole_fractions: the gas; values: dew-point temperature (K) at P with
+         the library k_ij, then the same with every k_ij = 0. Solved by
+         scipy.optimize.fsolve on ln K_i = ln phi_i(liquid x) - ln phi_i(vapour z)
+         and sum z_i / K_i = 1, from Wilson's K-values.
 """
 
 import csv
@@ -34,6 +39,7 @@ from scipy.optimize import brentq, fsolve
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 PROPA = os.path.join(HERE, "..", "data", "propa.txt")
+PROPKIJ = os.path.join(HERE, "..", "data", "propkij.lib")
 OUT = os.path.join(HERE, "..", "tests", "data", "srk_reference.csv")
 R = 8.314  # kJ/kmol/K, as the program writes it
 
@@ -59,8 +65,23 @@ def read_components():
 COMPS = read_components()
 
 
+def read_kij():
+    """(number, number) -> kij from the \\KIJ lines of propkij.lib, both orders."""
+    kij = {}
+    with open(PROPKIJ, encoding="ascii") as f:
+        for line in f:
+            cells = [c.strip() for c in line.split(",")]
+            if cells[0].upper() == "\\KIJ":
+                i, j, k = int(cells[1]), int(cells[2]), float(cells[3])
+                kij[(i, j)] = kij[(j, i)] = k
+    return kij
+
+
+KIJ = read_kij()
+
+
 class Mixture:
-    def __init__(self, ids, T, P):
+    def __init__(self, ids, T, P, with_kij=True):
         self.T, self.P = T, P
         tc = np.array([COMPS[i][1] for i in ids])
         pc = np.array([COMPS[i][2] for i in ids])
@@ -69,7 +90,8 @@ class Mixture:
         alpha = (1.0 + m * (1.0 - np.sqrt(T / tc))) ** 2
         self.a = 0.42747 * alpha * (R * tc) ** 2 / pc
         self.b = 0.08664 * R * tc / pc
-        self.aij = np.sqrt(np.outer(self.a, self.a))
+        k = np.array([[KIJ.get((i, j), 0.0) if with_kij else 0.0 for j in ids] for i in ids])
+        self.aij = (1.0 - k) * np.sqrt(np.outer(self.a, self.a))
 
     def AB(self, x):
         a = x @ self.aij @ x
@@ -146,13 +168,41 @@ def tp_flash(ids, T, P, z):
     return V, x / x.sum(), y / y.sum()
 
 
+def wilson_lnK(ids, T, P):
+    tc = np.array([COMPS[i][1] for i in ids])
+    pc = np.array([COMPS[i][2] for i in ids])
+    w = np.array([COMPS[i][3] for i in ids])
+    return np.log(pc / P) + 5.373 * (1.0 + w) * (1.0 - tc / T)
+
+
+def dew_temperature(ids, P, z, with_kij):
+    z = np.asarray(z, dtype=float)
+    T0 = brentq(lambda T: np.sum(z / np.exp(wilson_lnK(ids, T, P))) - 1.0, 100.0, 700.0)
+
+    def residual(u):
+        T, lnK = u[0], u[1:]
+        mix = Mixture(ids, T, P, with_kij)
+        x = z / np.exp(lnK)
+        s = x.sum()
+        return np.append(lnK - (mix.ln_phi(x / s, 0) - mix.ln_phi(z, 1)), s - 1.0)
+
+    u = fsolve(residual, np.append(T0, wilson_lnK(ids, T0, P)), xtol=1e-13)
+    if np.max(np.abs(residual(u))) > 1e-10 or np.max(np.abs(u[1:])) < 0.1:
+        raise RuntimeError(f"no dew point of {ids} at {P} kPa")
+    return u[0]
+
+
 SYSTEMS = {
     "methane-propane": [13, 15],
     "nitrogen-methane": [3, 13],
     # N2, CO2, CH4, C2H6, C3H8, i-C4H10, n-C4H10, i-C5H12, n-C5H12, n-C6H14
     "natural-gas": [3, 8, 13, 14, 15, 16, 17, 18, 19, 20],
+    "co2-gas": [3, 8, 13, 14, 15],  # N2, CO2, CH4, C2H6, C3H8
 }
 NATURAL_GAS = [0.02, 0.01, 0.80, 0.07, 0.04, 0.015, 0.015, 0.01, 0.01, 0.01]
+# A lean gas with 5 % CO2, whose dew point the CO2-hydrocarbon pairs move.
+CO2_GAS = [0.02, 0.05, 0.80, 0.08, 0.05]
+DEWS = [("co2-gas", 2000.0, CO2_GAS), ("co2-gas", 4000.0, CO2_GAS)]
 
 FLASHES = [
     ("methane-propane", 250.0, 3000.0, [0.6, 0.4]),
@@ -195,8 +245,12 @@ def main():
         if not 0.02 < V < 0.98:
             raise RuntimeError(f"{system} at {T} K, {P} kPa is not well inside two phases: V = {V}")
         rows.append(["FLASH", system, T, P, -1, fmt(ids), fmt(z), fmt([V, *x, *y])])
+    for system, P, z in DEWS:
+        ids = SYSTEMS[system]
+        dew = [dew_temperature(ids, P, z, True), dew_temperature(ids, P, z, False)]
+        rows.append(["DEW", system, dew[0], P, 1, fmt(ids), fmt(z), fmt(dew)])
     with open(OUT, "w", newline="") as f:
-        f.write("# Written by tools/srk_reference.py (SRK, Soave 1972; Rachford-Rice; scipy). Do not edit.\n")
+        f.write("# Written by tools/srk_reference.py (SRK, Soave 1972; kij of data/propkij.lib; Rachford-Rice; scipy). Do not edit.\n")
         f.write("kind,system,T_K,P_kPa,phase,component_numbers,mole_fractions,values\n")
         w = csv.writer(f, lineterminator="\n")
         for r in rows:

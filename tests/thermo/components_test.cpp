@@ -331,6 +331,31 @@ TEST(ComponentLibrary, ReadKijFillsPairsOfTheProjectSymmetrically) {
               "Line = 6 ignored : Kij key not recognized. Input = BOGUS\n\rLine discarded = rest of, the line");
 }
 
+// The built-in library carries the published SRK pairs (thermopack database,
+// van der Waals mixing): five of them as the source tabulates them, in both orders.
+TEST(ComponentLibrary, BuiltInKijHoldsThePublishedPairs) {
+    Fixture f;
+    // nitrogen 3, carbon dioxide 8, hydrogen sulfide 9, methane 13, ethane 14, water 10
+    const std::vector<int> ids = {0, 3, 8, 9, 13, 14, 10, 0};
+    std::vector<CompProp> comps;
+    std::vector<std::vector<double>> kij;
+    GetCompData(f.ctx, f.lib, ids, comps, kij);
+    struct Row { std::size_t i, j; double kij; };
+    const Row rows[] = {
+        {2, 4, 0.095},    // carbon dioxide - methane
+        {1, 4, 0.034},    // nitrogen - methane
+        {3, 4, 0.091},    // hydrogen sulfide - methane
+        {2, 1, -0.051},   // carbon dioxide - nitrogen
+        {4, 5, -0.0078},  // methane - ethane
+        {6, 4, 0.0},      // water - methane, listed as 0
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(kij[r.i][r.j], r.kij) << r.i << "," << r.j;
+        EXPECT_EQ(kij[r.j][r.i], r.kij) << r.j << "," << r.i;
+    }
+    EXPECT_TRUE(f.ui.told.empty());
+}
+
 TEST(ComponentLibrary, BadInputFilesGiveAMessageAndNoCrash) {
     const std::string_view propa = embedded_file("propa.lib");
     ASSERT_GE(propa.size(), 4 * kPropaRecordBytes);
