@@ -201,6 +201,7 @@ void prepare(RunContext& ctx, const FlashOptions& opt, FlashSetup& setup, FlashS
     // Values the type does not fix are start values of its search.
     if (given(opt, "T")) s.T = kelvin(ctx, opt.T);
     if (given(opt, "P")) s.P = kpa_absolute(ctx, opt.P, setup.PATM);
+    flash_search_start(s);
     if (given(opt, "LF")) {
         if (!(opt.LF >= 0.0 && opt.LF <= 1.0)) throw BadInput{"--LF: the liquid fraction lies between 0 and 1."};
         s.LF = opt.LF;

@@ -158,6 +158,11 @@ bool FlashDispatch(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
     }
 }
 
+void flash_search_start(FlashStream& s) {
+    if (s.T == 0.0) s.T = kFlashStartT;
+    if (s.P == 0.0) s.P = kFlashStartP;
+}
+
 double composition_sum(const FlashStream& s) {
     double sum = 0.0;
     for (std::size_t i = 1; i <= static_cast<std::size_t>(kMaxComps); ++i) sum += s.Z[i];

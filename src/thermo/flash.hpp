@@ -79,6 +79,14 @@ void flash_methods(const Header& gen, FlashSetup& setup);
 void LoadFlashSetup(RunContext& ctx, const Project& project, const std::filesystem::path& lib_dir,
                     FlashSetup& setup);
 
+// Fixed starts of the searches: the temperature of the PH, PS and PF flashes
+// (K) and the pressure of the TF flash (kPa absolute).
+inline constexpr double kFlashStartT = 300.0, kFlashStartP = 200.0;
+
+// A stream whose temperature or pressure is 0 (not given) takes the fixed
+// start there, so that a PF or TF flash needs only its two given values.
+void flash_search_start(FlashStream& s);
+
 // How far the sum of the total composition may lie from 1.
 inline constexpr double kFlashSumTolerance = 0.001;
 

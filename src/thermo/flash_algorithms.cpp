@@ -91,7 +91,7 @@ int property_search(RunContext& ctx, const FlashSetup& fs, FlashStream& s, Flash
     constexpr double kTmax = 5000.0;
     return trapped(ctx, ps.error, [&]() -> int {
         double T0 = s.T;
-        if (T0 == 0.0 || !fs.MFLASHR) T0 = 300.0;
+        if (T0 == 0.0 || !fs.MFLASHR) T0 = kFlashStartT;
         const double target = ps.entropy ? s.S : s.H;
         double x1 = 0.0, x2 = 0.0, f = 0.0, f1 = 0.0, f2 = 0.0;
         int bracketed = 0;
@@ -337,7 +337,7 @@ int flash_ps(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w
 
 int flash_pf(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w) {
     static constexpr FractionSearch kPF{
-        &FlashStream::T, 300.0, -std::numeric_limits<double>::infinity(), 50.0, 1000.0, 1e-5, 1.05, 1.05, true, 1.0,
+        &FlashStream::T, kFlashStartT, -std::numeric_limits<double>::infinity(), 50.0, 1000.0, 1e-5, 1.05, 1.05, true, 1.0,
         "Error! Two phase region not found (Tmin>T>Tmax). Stream ",
         "Error! PF Flash fraction not found (T unchanged). Stream ",
         "Warning! PF Flash in retrograde region. Reduce starting pres to 1 atm. Stream ",
@@ -348,7 +348,7 @@ int flash_pf(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w
 
 int flash_tf(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w) {
     static constexpr FractionSearch kTF{
-        &FlashStream::P, 200.0, 0.01, 0.5, 50000.0, 0.0001, 1.2, 1.1, false, -1.0,
+        &FlashStream::P, kFlashStartP, 0.01, 0.5, 50000.0, 0.0001, 1.2, 1.1, false, -1.0,
         "Error! Two phase region not found (Pmin>P>Pmax). Stream ",
         "Error! TF Flash fraction not found (P unchanged). Stream ",
         "Warning! TF Flash in retrograde region. Change starting temp. Stream ",

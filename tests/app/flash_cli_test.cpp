@@ -107,6 +107,30 @@ TEST(FlashCli, UnitWordsGiveKelvinAndKilopascalAbsolute) {
     }
 }
 
+// A bubble or dew point needs only its two values: the search starts where
+// the other types start theirs, and lands where a given start lands. A TP
+// flash at the point found sits on the phase boundary.
+TEST(FlashCli, BubbleAndDewPointsNeedNoStartValue) {
+    struct Row { const char* given; const char* with_start; const char* unknown; double target; };
+    const Row rows[] = {
+        {"--type PF --P 3000 --LF 0", "--T 250", "T", 1.0},
+        {"--type PF --P 3000 --LF 1", "--T 250", "T", 0.0},
+        {"--type TF --T 250 --LF 0", "--P 3000", "P", 1.0},
+        {"--type TF --T 250 --LF 1", "--P 3000", "P", 0.0},
+    };
+    for (const Row& r : rows) {
+        const std::string base = std::string("--comp methane,propane --z 0.6,0.4 ") + r.given;
+        const Json found = flash_json(base);
+        const Json started = flash_json(base + " " + r.with_start);
+        ASSERT_TRUE(found.is_object() && started.is_object()) << r.given;
+        const double value = found[r.unknown].get<double>();
+        EXPECT_NEAR(value, started[r.unknown].get<double>(), 1e-3 * value) << r.given;
+        const FlashStream tp = direct_tp_flash({kMethane, kPropane}, {0.6, 0.4}, found["T"].get<double>(),
+                                               found["P"].get<double>());
+        EXPECT_NEAR(tp.VF + tp.Resid, r.target, 1e-3) << r.given;
+    }
+}
+
 TEST(FlashCli, BadInputExitsTwoAndAFailedFlashOne) {
     const std::string mp = "--comp methane,propane --z 0.6,0.4 ";
     struct Row {
