@@ -161,10 +161,11 @@ double SRK_Z(RunContext& ctx, int phase, double A, double B) {
         }
     } else {
         // Three real roots. The sign s puts the arctangent's angle in the
-        // right quadrant, so no arccosine is needed. Rounding can put |t| a
-        // hair above 1 next to a double root; t is held to [-1, 1] there.
-        const double t = std::clamp((q / 2.0) / std::sqrt(-(p / 3.0) * (p / 3.0) * (p / 3.0)), -1.0, 1.0);
-        const double theta = std::atan(checked_div(std::sqrt(1.0 - t * t), t));
+        // right quadrant, so no arccosine is needed. Where rounding next to a
+        // double root puts |t| above 1 the square root fails, and so does the
+        // flash that asked, with its own message.
+        const double t = (q / 2.0) / checked_sqrt(-(p / 3.0) * (p / 3.0) * (p / 3.0));
+        const double theta = std::atan(checked_div(checked_sqrt(1.0 - t * t), t));
         const double s = q <= 0.0 ? 1.0 : -1.0;
         for (int k = 0; k < 3; ++k)
             roots[k] = 2.0 * s * std::sqrt(-p / 3.0) * std::cos(theta / 3.0 + 2.0 * k * kPiZ / 3.0) - a / 3.0;

@@ -57,6 +57,10 @@ TEST(Srk, RootChoiceTakesSmallestPositiveForLiquidAndLargestForVapour) {
         RunContext ctx(ui);
         EXPECT_NEAR(SRK_Z(ctx, r.phase, r.A, r.B), r.expected, 1e-9) << r.what;
     }
+    // Arithmetic that fails is no root: the fault travels to the flash that asked.
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    EXPECT_THROW(SRK_Z(ctx, kVapor, std::nan(""), 0.01), Fault);
     Thermo t({});
     EXPECT_EQ(SRK_Z(t.ctx, 2, A3, B3), 0.0);
     EXPECT_EQ(t.log(), std::vector<std::string>{"Error! Unknown phase for Z. Return 0."});
