@@ -98,7 +98,6 @@ void general_section(const HydrCase& c, const std::string& run_message, RtfText&
     const Header& g = c.p.gen;
     const std::string indent(13, ' ');
     out.line("FILE NAME  : " + c.ctx.project_file.string());
-    out.line("UNITS      : " + c.u.set);
     out.line("DEFAULTS   : Fitting        = " + g.MFIT);
     out.line(indent + "Compressible   = " + g.MCOMP);
     out.line(indent + "Two phase flow = " + g.MTP);
@@ -108,8 +107,7 @@ void general_section(const HydrCase& c, const std::string& run_message, RtfText&
     out.line(indent + "Smooth pipe f  = " + yes_no(g.MDUKF));
     out.line(indent + "Sonic velocity = " + g.MSONIC);
     const double patm = convert_value(c.ctx, g.PATM, "kPag", c.u.pressure);
-    out.line(indent + "Atmospheric pres = " + format_number(patm, "0.0###") + " " + difference_unit(c.u.pressure) +
-             " abs");
+    out.line(indent + "Atmospheric pres = " + format_number(patm, "0.0###") + " " + c.u.pressure + " abs");
     out.line("VIEW/PRINT SETTINGS:");
     out.line(indent + "Font = Courier, Size 7-8");
     out.line(indent + "Orientation = Landscape");

@@ -76,7 +76,7 @@ void orifice_summary(const HydrCase& c, RtfText& out) {
         const FO& fo = c.p.fos[i];
         auto r = two_port_cells(c, fo, fo.TYPE);
         r.insert(r.end(), {c.num(fo.PIN.value, "kPag", u.pressure), c.num(fo.POUT.value, "kPag", u.pressure),
-                           c.num(fo.DP.value, "kPa", dp, 9), c.num(fo.DPF.value, "kPa", dp, 9),
+                           c.num(fo.DPF.value, "kPa", dp, 9), c.num(fo.DP.value, "kPa", dp, 9),
                            std::to_string(fo.HOLES), c.num(fo.BORE.value, "m", u.diameter, 9), c.plain(fo.BETA.value, 7),
                            c.plain(fo.C, 7), c.plain(fo.YIN, 7), flag(fo.CHOKE)});
         rows.push_back(r);

@@ -167,8 +167,9 @@ TEST(HydraulicReport, TwoCasesOfThePumpLoop) {
     EXPECT_EQ(count_of(rtf, "\r\nCASE 2 RATED \\par "), 10);
     EXPECT_EQ(count_of(rtf, "written permission of VELM."), 20);
     EXPECT_EQ(count_of(rtf, "Date: 1 Jan 25"), 20);
-    EXPECT_NE(rtf.find("FILE NAME  : C:\\\\Plant\\\\pump_loop.vdf \\par "), std::string::npos);
-    EXPECT_NE(rtf.find("Atmospheric pres = 101.325 kPa abs"), std::string::npos);
+    EXPECT_NE(rtf.find("FILE NAME  : C:\\\\Plant\\\\pump_loop.vdf \\par \r\nDEFAULTS   : Fitting        = "),
+              std::string::npos);
+    EXPECT_NE(rtf.find("Atmospheric pres = 101.325 kPag abs"), std::string::npos);
 
     for (int k = 0; k < 2; ++k) {
         const CaseResult& c = run.result.cases[static_cast<std::size_t>(k)];
@@ -187,6 +188,13 @@ TEST(HydraulicReport, TwoCasesOfThePumpLoop) {
         EXPECT_NE(run.row("PIPE LINE REPORT", "Flow (kg/h)", k + 1)
                       .find("| " + format_number(l.TFLOW.value * 1000.0, "########0.0###")),
                   std::string::npos);
+        // The orifice: the flange (meter) drop before the permanent loss, which is the smaller.
+        const FO& fo = run.after_case[static_cast<std::size_t>(k)].fos[1];
+        EXPECT_GT(fo.DPF.value, fo.DP.value);
+        const std::string orifice = run.row("ORIFICE SUMMARY", "FE-101", k + 1);
+        const std::size_t meter = orifice.find(" " + report_number(fo.DPF.value, 9) + " ");
+        ASSERT_NE(meter, std::string::npos) << orifice;
+        EXPECT_NE(orifice.find(" " + report_number(fo.DP.value, 9) + " ", meter + 1), std::string::npos) << orifice;
         EXPECT_EQ(run.row("WARNINGS & ERRORS", "Warning!", k + 1),
                   "Warning! Line D-102 dP/L exceeds maximum (kPa/100m) = 22.6 \\par ");
     }
@@ -202,7 +210,7 @@ TEST(HydraulicReport, ValuesInTheDisplayUnits) {
     EXPECT_NE(profile.find(" " + format_number(l.PRES[2] * 0.145038, "########0.0###") + " "), std::string::npos)
         << profile;
     EXPECT_NE(run.rtf.find("lb/h"), std::string::npos);
-    EXPECT_NE(run.rtf.find("Atmospheric pres = 14.696 psi abs"), std::string::npos);
+    EXPECT_NE(run.rtf.find("Atmospheric pres = 14.696 psig abs"), std::string::npos);
 }
 
 // Each case's code picks its sections; -1 leaves the heading alone.
