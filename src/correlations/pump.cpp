@@ -251,19 +251,11 @@ double pump_NPSHA(RunContext& ctx, const Project& p, Pump& m, int case_no) {
         if (s.W < 0.0) return 0.0;
         double Ps = 0.0;  // pressure at the source's liquid surface plus the liquid head over its nozzle
         if (m.NPSHAF[1] > 0) {
-            if (m.NPSHAF[1] > count(p.feeds)) {
-                ctx.log_error("Error! Pump " + trim(m.NAME[1]) + " suction Feed " + std::to_string(m.NPSHAF[1]) +
-                              " does not exist.");
-                return 0.0;
-            }
+            if (m.NPSHAF[1] > count(p.feeds)) raise_fault(kFaultSubscript);
             Ps = p.feeds[static_cast<std::size_t>(m.NPSHAF[1])].PRES.value;
             m.NPSHA1 = Ps;
         } else if (m.NPSHAF[2] > 0) {
-            if (m.NPSHAF[2] > count(p.vessels)) {
-                ctx.log_error("Error! Pump " + trim(m.NAME[1]) + " suction Vessel " + std::to_string(m.NPSHAF[2]) +
-                              " does not exist.");
-                return 0.0;
-            }
+            if (m.NPSHAF[2] > count(p.vessels)) raise_fault(kFaultSubscript);
             const Vessel& v = p.vessels[static_cast<std::size_t>(m.NPSHAF[2])];
             m.NPSHA1 = v.PRES.value;
             Ps = v.PRES.value;

@@ -7,6 +7,7 @@ const char* standard_description(int number) {
     switch (number) {
         case kFaultInvalidCall: return "Invalid procedure call or argument";
         case kFaultOverflow: return "Overflow";
+        case kFaultSubscript: return "Subscript out of range";
         case kFaultDivisionByZero: return "Division by zero";
         case kFaultTypeMismatch: return "Type mismatch";
         case kFaultPastEnd: return "Input past end of file";

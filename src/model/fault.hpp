@@ -19,6 +19,7 @@ struct Fault {
 
 inline constexpr int kFaultInvalidCall = 5;    // "Invalid procedure call or argument"
 inline constexpr int kFaultOverflow = 6;       // "Overflow"
+inline constexpr int kFaultSubscript = 9;      // "Subscript out of range"
 inline constexpr int kFaultDivisionByZero = 11;  // "Division by zero"
 inline constexpr int kFaultTypeMismatch = 13;  // "Type mismatch"
 inline constexpr int kFaultPastEnd = 62;       // "Input past end of file"

@@ -15,7 +15,6 @@ namespace velm {
 
 namespace {
 
-constexpr int kFaultSubscript = 9;        // "Subscript out of range"
 constexpr int kFaultFileAccess = 75;      // "Path/File access error"
 constexpr int kMaxPipeMaterials = 1000;   // bound on the "Number" line of a library
 constexpr std::string_view kLibraryTag = "Velm_2.0";

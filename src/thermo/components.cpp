@@ -18,7 +18,6 @@ namespace velm {
 
 namespace {
 
-constexpr int kFaultSubscript = 9;     // "Subscript out of range"
 constexpr int kFaultBadRecord = 63;    // "Bad record number"
 constexpr std::size_t kNameBytes = 40;
 constexpr std::size_t kFormulaBytes = 12;
