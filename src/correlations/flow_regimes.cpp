@@ -168,30 +168,30 @@ void pipe_flow_regime(RunContext& ctx, Line& line) {
     for (std::size_t i = 1; i <= 3; ++i) line.REG[i] = "-";
     line.REGA[1] = line.REGA[2] = "-";
     if (!is_two_phase(line.LF[3])) return;
-    trapped(ctx, "Error! In pipe flow regime function = ", [&] {
-        Flow f{};
-        f.WL = line.LVFLOW[1];
-        f.WV = line.LVFLOW[2];
-        f.W = line.TFLOW.value;
-        f.ID = line.ID.value;
-        f.IDH = line.IDH.value;
-        f.EPS = line.EPS.value;
-        f.rhoL = line.LPROP[1];
-        f.rhoV = line.VPROP[1];
-        f.muL = line.LPROP[3];
-        f.muV = line.VPROP[3];
-        f.sigma = line.LIQSUR[3];
-        f.vsl = velocity(ctx, f.WL, f.rhoL, f.ID);
-        f.vsg = velocity(ctx, f.WV, f.rhoV, f.ID);
-        const bool bore = f.ID > 1e-06;
-        if (f.WL != 0.0 && f.WV != 0.0 && bore && f.rhoV > 0.0 && f.muL > 0.0) line.REG[2] = fair(f);
-        if (f.rhoL > 0.0 && bore && f.rhoV > 0.0 && f.muL > 0.0) taitel_dukler_vertical(f, line.REGA[2]);
-        if (bore) line.REG[3] = golan_stenning(f);
-        if (bore) line.REG[1] = mandhane(f);
-        if (f.rhoL > 0.0 && bore && f.rhoV > 0.0 && std::abs(f.WV) > 1e-06)
-            line.REGA[1] = taitel_dukler_horizontal(ctx, f);
-        return 0;
-    });
+    // Each map stands on its own: a fault in one leaves the others to answer.
+    const auto statement = [&ctx](auto&& s) { resume_next(ctx, "Error! In pipe flow regime function = ", s); };
+    Flow f{};
+    f.WL = line.LVFLOW[1];
+    f.WV = line.LVFLOW[2];
+    f.W = line.TFLOW.value;
+    f.ID = line.ID.value;
+    f.IDH = line.IDH.value;
+    f.EPS = line.EPS.value;
+    f.rhoL = line.LPROP[1];
+    f.rhoV = line.VPROP[1];
+    f.muL = line.LPROP[3];
+    f.muV = line.VPROP[3];
+    f.sigma = line.LIQSUR[3];
+    statement([&] { f.vsl = velocity(ctx, f.WL, f.rhoL, f.ID); });
+    statement([&] { f.vsg = velocity(ctx, f.WV, f.rhoV, f.ID); });
+    const bool bore = f.ID > 1e-06;
+    if (f.WL != 0.0 && f.WV != 0.0 && bore && f.rhoV > 0.0 && f.muL > 0.0) statement([&] { line.REG[2] = fair(f); });
+    if (f.rhoL > 0.0 && bore && f.rhoV > 0.0 && f.muL > 0.0)
+        statement([&] { taitel_dukler_vertical(f, line.REGA[2]); });
+    if (bore) statement([&] { line.REG[3] = golan_stenning(f); });
+    if (bore) statement([&] { line.REG[1] = mandhane(f); });
+    if (f.rhoL > 0.0 && bore && f.rhoV > 0.0 && std::abs(f.WV) > 1e-06)
+        statement([&] { line.REGA[1] = taitel_dukler_horizontal(ctx, f); });
 }
 
 }  // namespace velm

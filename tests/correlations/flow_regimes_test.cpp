@@ -121,5 +121,20 @@ TEST_F(FlowRegimeTest, VerticalMapsAndSinglePhase) {
     EXPECT_TRUE(ctx.run_log_text.empty());
 }
 
+// A fault in one map (Fair's raises the viscosity ratio to a power) is logged
+// once and leaves it at "-"; the maps that do not use that viscosity still answer.
+TEST_F(FlowRegimeTest, AFaultInOneMapLeavesTheOthersStanding) {
+    Line l = velocities(0.1, 20.0, 0.0525);
+    l.VPROP[3] = 0.0;
+    pipe_flow_regime(ctx, l);
+    EXPECT_EQ(l.REG[2], "-");
+    EXPECT_EQ(l.REGA[2], "Annular");
+    EXPECT_EQ(l.REG[3], "Annular/Mist");
+    EXPECT_EQ(l.REG[1], "Annular/Mist");
+    EXPECT_EQ(l.REGA[1], "Annular-Dispersed");
+    EXPECT_EQ(take_run_log(ctx),
+              std::vector<std::string>{"Error! In pipe flow regime function = 5 : Invalid procedure call or argument"});
+}
+
 }  // namespace
 }  // namespace velm
