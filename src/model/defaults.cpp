@@ -243,6 +243,17 @@ void only_template(std::vector<R>& v, R tmpl) {
     v.push_back(std::move(tmpl));
 }
 
+// The calculators start from the templates of their kinds with a flow of
+// 10 t/h: a 4 in commercial steel pipe, a valve on water at 175 kPag, an
+// orifice at 10 kPa.
+ToolsState calculator_defaults(const Project& p) {
+    ToolsState t;
+    t.pipe = {p.lines[0], 10.0, "4", 4.57e-05};
+    t.valve = {p.valves[0], 10.0, {1.0, 1000.0, 1.0}, 175.0, {1000.0, 100.0}};
+    t.orifice = {p.fos[0], 10.0, {10.0, 0.1}};
+    return t;
+}
+
 }  // namespace
 
 void NewProject(Project& p) {
@@ -279,7 +290,7 @@ void NewProject(Project& p) {
     }());
     only_template(p.symbols, symbol_template());
     only_template(p.pseudos, pseudo_template());
-    p.tools = ToolsState{};
+    p.tools = calculator_defaults(p);
     if (p.pipedata.empty()) p.pipedata.resize(1);
 }
 

@@ -338,9 +338,35 @@ struct PipeData {
     std::array<PipeSize, kPipeSizes + 1> DIA;
 };
 
-// Last state of the three calculators: items kept as read, written back as they stand.
+// Working state of the pipe, valve and orifice calculators: a copy of the
+// template of their record kind and the loose values each adds (flows t/h,
+// densities kg/m3, viscosities cP, pressures kPag, roughness m).
+struct PipeCalculator {
+    Line line;
+    double flow = 0.0;
+    std::string size;
+    double roughness = 0.0;
+};
+struct ValveCalculator {
+    Valve valve;
+    double flow = 0.0;
+    std::array<double, 3> densities_viscosity{};  // the three property entries
+    double inlet_pressure = 0.0;
+    std::array<double, 2> reference{};            // its two reference values
+};
+struct OrificeCalculator {
+    FO fo;
+    double flow = 0.0;
+    std::array<double, 2> pressures{};
+};
+
+// Last state of the three calculators: items of a file kept as read and
+// written back as they stand, and the calculators' working records.
 struct ToolsState {
     std::vector<std::pair<std::string, std::vector<std::string>>> keys;
+    PipeCalculator pipe;
+    ValveCalculator valve;
+    OrificeCalculator orifice;
 };
 
 struct Header {

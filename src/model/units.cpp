@@ -215,7 +215,7 @@ double UnitsTFunc(RunContext& ctx, double t, std::string_view from, std::string_
         }
         return t;
     } catch (const Fault& f) {
-        ctx.log_error("Error in UnitsTFunc= " + fault_text(f));
+        ctx.ui.tell("Error in UnitsTFunc= " + fault_text(f) + ". Press OK to resume.");
         return 0.0;
     }
 }

@@ -95,7 +95,7 @@ TEST(Units, TemperatureScales) {
     EXPECT_TRUE(f.ui.told.empty());
     EXPECT_EQ(UnitsTFunc(f.ctx, 1e308, "C", "F"), 0.0);
     ASSERT_EQ(f.ui.told.size(), 1u);
-    EXPECT_EQ(f.ui.told[0], "Error in UnitsTFunc= 6 : Overflow\r\nPress OK to resume.");
+    EXPECT_EQ(f.ui.told[0], "Error in UnitsTFunc= 6 : Overflow. Press OK to resume.");
 }
 
 TEST(Units, ConvertingCaseStrings) {

@@ -115,6 +115,18 @@ TEST(NewProject, CountsAreZeroAndTemplatesHoldTheDefaults) {
     EXPECT_EQ(p.lines[0].FIT[3].name, "Gate valve  ");
     EXPECT_EQ(p.gen.CASEDSC, "NORMAL;RATED;MINIMUM");
     EXPECT_EQ(p.pseudos[0].NAME_NUM[2], 9000);
+    // The calculators copy the templates and add their own starting values.
+    EXPECT_EQ(p.tools.pipe.line.SIZ[2], p.lines[0].SIZ[2]);
+    EXPECT_EQ(p.tools.pipe.flow, 10.0);
+    EXPECT_EQ(p.tools.pipe.size, "4");
+    EXPECT_EQ(p.tools.pipe.roughness, 4.57e-05);
+    EXPECT_EQ(p.tools.valve.valve.TYPE, p.valves[0].TYPE);
+    EXPECT_EQ(p.tools.valve.densities_viscosity, (std::array<double, 3>{1.0, 1000.0, 1.0}));
+    EXPECT_EQ(p.tools.valve.inlet_pressure, 175.0);
+    EXPECT_EQ(p.tools.valve.reference, (std::array<double, 2>{1000.0, 100.0}));
+    EXPECT_EQ(p.tools.orifice.fo.TYPE, p.fos[0].TYPE);
+    EXPECT_EQ(p.tools.orifice.flow, 10.0);
+    EXPECT_EQ(p.tools.orifice.pressures, (std::array<double, 2>{10.0, 0.1}));
 }
 
 }  // namespace
