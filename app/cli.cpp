@@ -38,8 +38,10 @@ int cli_main(int argc, char** argv) {
     check_cmd->add_flag("--european", check.european, "Read a file of version 1.2 to 1.5 as written with a decimal comma");
 
     std::string new_file;
+    ReadOptions fresh;
     auto* new_cmd = app.add_subcommand("new", "Write a new project with the defaults");
     new_cmd->add_option("file", new_file, "Project file to write (.vdf)")->required();
+    new_cmd->add_flag("--yes", fresh.yes, "Answer Yes to the question that confirms replacing an existing file");
 
     ReadOptions size;
     std::string size_action, size_project, size_save;
@@ -50,6 +52,7 @@ int cli_main(int argc, char** argv) {
     size_cmd->add_option("project", size_project, "Project file (.vdf)")->required();
     size_cmd->add_flag("--yes", size.yes, "Answer Yes to the question that confirms the change");
     size_cmd->add_option("--save", size_save, "Write the changed project to this file instead of the project");
+    size_cmd->add_flag("--european", size.european, "Read a file of version 1.2 to 1.5 as written with a decimal comma");
 
     ThermoCommands thermo(app);
 
@@ -68,7 +71,7 @@ int cli_main(int argc, char** argv) {
         if (*check_cmd) return command_check(check_project, check);
         if (*size_cmd) return command_size(size_action == "set", size_project, size_save, size);
         if (const auto status = thermo.run()) return *status;
-        return command_new(new_file);
+        return command_new(new_file, fresh);
     } catch (const std::exception& e) {
         std::cerr << "velm: " << e.what() << "\n";
         return 2;

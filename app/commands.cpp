@@ -1,5 +1,6 @@
 #include "app/commands.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -49,7 +50,38 @@ bool load_project(RunContext& ctx, Project& p, const std::string& file) {
                   << " (told above); correct the file. Nothing was run or written.\n";
         return false;
     }
+    const std::vector<std::string> unknown = unknown_custom_units(p.gen);
+    for (const std::string& name : unknown) ctx.ui.tell("Unknown units for " + name);
+    if (!unknown.empty()) {
+        std::cerr << "velm: " << file << " names custom units that do not exist (told above); correct UNITS1 to UNITS3."
+                  << " Nothing was run or written.\n";
+        return false;
+    }
     return true;
+}
+
+// The "Error!" lines of the run log that explain a refused or failed run,
+// each once and in order; the final message, printed on its own, is left out.
+void print_run_errors(const RunResult& r) {
+    constexpr std::size_t kMaxShown = 20;
+    std::vector<std::string> seen;
+    std::size_t more = 0;
+    std::size_t start = 0;
+    while (start < r.log.size()) {
+        std::size_t end = r.log.find("\r\n", start);
+        if (end == std::string::npos) end = r.log.size();
+        const std::string line = r.log.substr(start, end - start);
+        start = end + 2;
+        if (line.rfind("Error!", 0) != 0 || r.message.find(line) != std::string::npos) continue;
+        if (std::find(seen.begin(), seen.end(), line) != seen.end()) continue;
+        if (seen.size() == kMaxShown) {
+            ++more;
+            continue;
+        }
+        seen.push_back(line);
+        std::cerr << line << "\n";
+    }
+    if (more > 0) std::cerr << "... and " << more << " more error lines in the run log.\n";
 }
 
 void print_cell(const std::string& s, int width) {
@@ -112,9 +144,10 @@ int command_run(const RunOptions& opt) {
     });
     std::cout << "\n" << r.title << "\n";
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
-    std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
+    if (r.reported > 0) std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
     int status = r.all_converged() ? 0 : 1;
+    if (status != 0) print_run_errors(r);
     const std::string target = opt.in_place ? opt.project : opt.save;
     if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;
     return status;
@@ -147,10 +180,18 @@ int command_check(const std::string& file, const ReadOptions& opt) {
     return status;
 }
 
-int command_new(const std::string& file) {
-    ReadOptions none;
-    ConsoleInteraction ui(none);
+std::string overwrite_question(const std::string& file) {
+    return "File " + file + " already exists. Replace it with a new project ?";
+}
+
+int command_new(const std::string& file, const ReadOptions& opt) {
+    ConsoleInteraction ui(opt);
     RunContext ctx(ui);
+    std::error_code ec;
+    if (std::filesystem::exists(file, ec) && ui.ask(overwrite_question(file), {"Yes", "No"}) != 0) {
+        std::cout << "Nothing written (answer the question with --yes).\n";
+        return 1;
+    }
     Project p;
     if (!start_project(ctx, p)) return 2;
     return save_project(ctx, p, file);

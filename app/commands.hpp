@@ -26,7 +26,10 @@ struct RunOptions {
 
 int command_run(const RunOptions& opt);
 int command_check(const std::string& project, const ReadOptions& opt);
-int command_new(const std::string& file);
+// Writes a new project; an existing file is replaced only after the question
+// of overwrite_question is answered Yes (--yes).
+int command_new(const std::string& file, const ReadOptions& opt);
+std::string overwrite_question(const std::string& file);
 // Empties every line's nominal size (set = false) so the next run sizes the
 // lines, or takes the sizes of the last run as given (set = true); writes the
 // project back, or to save when given.

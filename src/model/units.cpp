@@ -174,6 +174,29 @@ double get_units(RunContext& ctx, std::string_view name) {
     return get_units(ctx, t, 1.0);
 }
 
+bool is_known_unit(std::string_view name) {
+    const std::string t = trim(name);
+    if (t.empty()) return true;
+    for (const auto& u : kUnitFactors)
+        if (u.name == t) return true;
+    for (const auto& u : kFlowFactors)
+        if (u.name == t) return true;
+    return false;
+}
+
+std::vector<std::string> unknown_custom_units(const Header& gen) {
+    std::vector<std::string> unknown;
+    if (trim(gen.UNITS) != "Custom") return unknown;
+    const auto check = [&](const std::string& name, bool temperature) {
+        const bool known = temperature ? name == "C" || name == "K" || name == "F" || name == "R" : is_known_unit(name);
+        if (!known) unknown.push_back(name);
+    };
+    for (std::size_t i = 1; i < gen.UNITS1.size(); ++i) check(gen.UNITS1[i], false);
+    for (std::size_t i = 1; i < gen.UNITS2.size(); ++i) check(gen.UNITS2[i], i == 2);
+    for (std::size_t i = 1; i < gen.UNITS3.size(); ++i) check(gen.UNITS3[i], false);
+    return unknown;
+}
+
 double get_units(RunContext& ctx, std::string_view name, double D) {
     const std::string t = trim(name);
     if (t.empty()) return 1.0;

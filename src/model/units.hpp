@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velm {
 
@@ -52,6 +53,14 @@ void set_custom_unit_defaults(Header& gen);
 // name that is not a length, pressure, velocity or energy unit is looked up as
 // a flow unit with density 1. Unknown: "Unknown units for <name>", 0.
 double get_units(RunContext& ctx, std::string_view name);
+
+// True when get_units knows the name (an empty name counts as known).
+bool is_known_unit(std::string_view name);
+
+// The custom units of a project whose set is "Custom" (UNITS1..UNITS3) that no
+// conversion knows, in their order; the temperature must be "C", "K", "F" or
+// "R". Empty for the other sets.
+std::vector<std::string> unknown_custom_units(const Header& gen);
 // Factor of a flow unit: D is the density (kg/m3) for a volume unit, the
 // molecular weight for a standard volume unit; D = 0 gives 1.
 double get_units(RunContext& ctx, std::string_view name, double D);

@@ -130,6 +130,7 @@ void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on
         ctx.log_error(msg);
         ctx.run_signal = msg;
         WriteHydrReport(ctx, p, ix, "resulth.rtf");
+        ++result.reported;
         result.cases.push_back(cr);
         if (on_case_end) on_case_end(ix, cr);
         ctx.run_signal.clear();

@@ -80,5 +80,52 @@ TEST(Cli, NewThenCheckReportsTheEmptyNetwork) {
     EXPECT_EQ(velm("run a.vdf --mode hmb", dir).status, 2);
 }
 
+// What a new user meets first: each case with its exit status, the words that
+// explain it, and whether the console names a report.
+TEST(Cli, FirstUseAnswersWithTheCauseAndLosesNothing) {
+    std::ifstream ex(kExample, std::ios::binary);
+    const std::string good((std::istreambuf_iterator<char>(ex)), std::istreambuf_iterator<char>());
+    const auto with = [&](const std::string& from, const std::string& to) {
+        std::string s = good;
+        s.replace(s.find(from), from.size(), to);
+        return s;
+    };
+    const std::string custom = "\"\\GEN\",0,\"UNITS\",\"Custom\"\r\n\"\\GEN\",0,\"UNITS2\",\"kg/m3\",\"C\",\"kPaX\",\"m\",\"kPa/100m\",\"m/s\"\r\n";
+    struct Row {
+        const char* what;
+        std::string project;
+        const char* args;
+        int status;
+        const char* says;
+        bool names_report;
+    };
+    const Row rows[] = {
+        {"a misspelled pipe material names its cause", with("\"Steel\"", "\"Stell\""), "run p.vdf --out out", 1,
+         "Error! Pipe database missing for line 1", false},
+        {"an unknown custom unit is refused at load", with("\"\\PIPE\",0", custom + "\"\\PIPE\",0"),
+         "run p.vdf --out out", 2, "Unknown units for kPaX", false},
+        {"a run that converges names its report", good, "run p.vdf --out out", 0, "solution reached", true},
+        {"new does not replace a file unasked", good, "new p.vdf", 1,
+         "File p.vdf already exists. Replace it with a new project ? No", false},
+        {"size reads an old file as --european says", good, "size clear p.vdf --european --save q.vdf --yes", 0,
+         "Project saved: q.vdf", false},
+    };
+    for (const Row& r : rows) {
+        const fs::path dir = fresh_dir("first_use");
+        write(dir / "p.vdf", r.project);
+        const Outcome o = velm(r.args, dir);
+        EXPECT_EQ(o.status, r.status) << r.what << "\n" << o.text();
+        EXPECT_NE(o.text().find(r.says), std::string::npos) << r.what << "\n" << o.text();
+        EXPECT_EQ(o.out.find("Report:") != std::string::npos, r.names_report) << r.what << "\n" << o.out;
+        std::ifstream kept(dir / "p.vdf", std::ios::binary);
+        EXPECT_EQ(std::string((std::istreambuf_iterator<char>(kept)), std::istreambuf_iterator<char>()), r.project)
+            << r.what;
+    }
+    const fs::path dir = fresh_dir("first_use_yes");
+    write(dir / "p.vdf", good);
+    EXPECT_EQ(velm("new p.vdf --yes", dir).status, 0);
+    EXPECT_EQ(velm("check p.vdf", dir).status, 1) << "the new, empty project";
+}
+
 }  // namespace
 }  // namespace velm
