@@ -1,6 +1,7 @@
 #include "thermo/reguli_falsi.hpp"
 
 #include <cmath>
+#include <utility>
 
 #include "model/fault.hpp"
 
@@ -13,11 +14,7 @@ namespace {
 // statement and the search state stays finite.
 template <class Statement>
 void attempt(RunContext& ctx, Statement&& statement) {
-    try {
-        statement();
-    } catch (const Fault& f) {
-        ctx.log_error("Error! In Reguli-Falsi. Err = " + fault_text(f));
-    }
+    resume_next(ctx, "Error! In Reguli-Falsi. Err = ", std::forward<Statement>(statement));
 }
 
 bool strictly_between(double v, double a, double b) { return (v > a && v < b) || (v > b && v < a); }
