@@ -36,36 +36,6 @@ constexpr FlashType kFlashTypes[] = {
     {"PH", kFlashPH, "P", "H"}, {"PS", kFlashPS, "P", "S"},
 };
 
-// Pressure words of the program's unit table; a gauge word reads above the
-// atmospheric pressure. An absolute word may also carry a closing "a"
-// ("bara", "kPaa").
-struct PressureWord {
-    const char* name;
-    bool gauge;
-};
-
-constexpr PressureWord kPressureWords[] = {
-    {"kPa", false},    {"kPag", true}, {"bar", false},  {"barg", true},  {"Pa", false},
-    {"Pag", true},     {"psi", false}, {"psig", true},  {"kg/cm2", false}, {"kg/cm2g", true},
-    {"atm", false},    {"mmHg", false}, {"inH2O", false}, {"mmH2O", false},
-};
-
-const PressureWord* pressure_word(const std::string& word) {
-    for (const PressureWord& w : kPressureWords)
-        if (word == w.name) return &w;
-    if (word.size() > 1 && word.back() == 'a') {
-        const PressureWord* w = pressure_word(word.substr(0, word.size() - 1));
-        if (w != nullptr && !w->gauge) return w;
-    }
-    return nullptr;
-}
-
-std::string pressure_word_list() {
-    std::string list;
-    for (const PressureWord& w : kPressureWords) list += (list.empty() ? "" : ", ") + std::string(w.name);
-    return list;
-}
-
 // "25", "25 C", or the two words "25" and "C": the number and the unit word
 // after it (empty when none).
 std::pair<double, std::string> quantity(const std::string& option, const std::vector<std::string>& words) {

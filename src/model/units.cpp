@@ -174,6 +174,30 @@ double get_units(RunContext& ctx, std::string_view name) {
     return get_units(ctx, t, 1.0);
 }
 
+namespace {
+constexpr PressureWord kPressureWords[] = {
+    {"kPa", false},    {"kPag", true}, {"bar", false},  {"barg", true},  {"Pa", false},
+    {"Pag", true},     {"psi", false}, {"psig", true},  {"kg/cm2", false}, {"kg/cm2g", true},
+    {"atm", false},    {"mmHg", false}, {"inH2O", false}, {"mmH2O", false},
+};
+}  // namespace
+
+const PressureWord* pressure_word(std::string_view word) {
+    for (const PressureWord& w : kPressureWords)
+        if (word == w.name) return &w;
+    if (word.size() > 1 && word.back() == 'a') {
+        const PressureWord* w = pressure_word(word.substr(0, word.size() - 1));
+        if (w != nullptr && !w->gauge) return w;
+    }
+    return nullptr;
+}
+
+std::string pressure_word_list() {
+    std::string list;
+    for (const PressureWord& w : kPressureWords) list += (list.empty() ? "" : ", ") + std::string(w.name);
+    return list;
+}
+
 bool is_known_unit(std::string_view name) {
     const std::string t = trim(name);
     if (t.empty()) return true;

@@ -54,6 +54,17 @@ void set_custom_unit_defaults(Header& gen);
 // a flow unit with density 1. Unknown: "Unknown units for <name>", 0.
 double get_units(RunContext& ctx, std::string_view name);
 
+// Pressure words of the unit table; a gauge word reads above the atmospheric
+// pressure. An absolute word may also carry a closing "a" ("bara", "kPaa").
+struct PressureWord {
+    const char* name;
+    bool gauge;
+};
+// The word's entry, or nullptr when it names no pressure.
+const PressureWord* pressure_word(std::string_view word);
+// The words of the table, separated by ", ", for messages.
+std::string pressure_word_list();
+
 // True when get_units knows the name (an empty name counts as known).
 bool is_known_unit(std::string_view name);
 
