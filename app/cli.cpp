@@ -1,4 +1,4 @@
-// The velm command: run, check, new, size, flash and components.
+// The velm command: run, check, new, size, flash, components and import.
 #include "app/cli.hpp"
 
 #include <CLI/CLI.hpp>
@@ -7,6 +7,7 @@
 
 #include "app/commands.hpp"
 #include "app/flash_command.hpp"
+#include "app/import_command.hpp"
 
 namespace velm {
 
@@ -55,6 +56,7 @@ int cli_main(int argc, char** argv) {
     size_cmd->add_flag("--european", size.european, "Read a file of version 1.2 to 1.5 as written with a decimal comma");
 
     ThermoCommands thermo(app);
+    ImportCommand import(app);
 
     try {
         app.parse(argc, argv);
@@ -71,6 +73,7 @@ int cli_main(int argc, char** argv) {
         if (*check_cmd) return command_check(check_project, check);
         if (*size_cmd) return command_size(size_action == "set", size_project, size_save, size);
         if (const auto status = thermo.run()) return *status;
+        if (const auto status = import.run()) return *status;
         return command_new(new_file, fresh);
     } catch (const std::exception& e) {
         std::cerr << "velm: " << e.what() << "\n";

@@ -20,8 +20,6 @@
 
 namespace velm {
 
-namespace {
-
 std::filesystem::path default_data_dir() {
     if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg) return std::filesystem::path(xdg) / "velm";
     if (const char* home = std::getenv("HOME"); home && *home)
@@ -29,35 +27,14 @@ std::filesystem::path default_data_dir() {
     return std::filesystem::current_path();
 }
 
+namespace {
+
 // A new project with the pipe table of the library directory (VELM_LIB) or
 // the built-in copy.
 bool start_project(RunContext& ctx, Project& p) {
     NewProject(p);
     const char* lib = std::getenv("VELM_LIB");
     return ReadPipeLib(ctx, p.pipedata, lib ? std::filesystem::path(lib) : std::filesystem::path());
-}
-
-// Reads the project; a file with faulty lines is not run either.
-bool load_project(RunContext& ctx, Project& p, const std::string& file) {
-    if (!start_project(ctx, p)) return false;
-    int faults = 0;
-    if (!ReadVdf(ctx, p, file, nullptr, &faults)) {
-        std::cerr << "velm: cannot read " << file << "; nothing was run or written.\n";
-        return false;
-    }
-    if (faults > 0) {
-        std::cerr << "velm: " << file << " has " << faults << " faulty line" << (faults == 1 ? "" : "s")
-                  << " (told above); correct the file. Nothing was run or written.\n";
-        return false;
-    }
-    const std::vector<std::string> unknown = unknown_custom_units(p.gen);
-    for (const std::string& name : unknown) ctx.ui.tell("Unknown units for " + name);
-    if (!unknown.empty()) {
-        std::cerr << "velm: " << file << " names custom units that do not exist (told above); correct UNITS1 to UNITS3."
-                  << " Nothing was run or written.\n";
-        return false;
-    }
-    return true;
 }
 
 // The "Error!" lines of the run log that explain a refused or failed run,
@@ -109,13 +86,36 @@ void print_line_table(RunContext& ctx, const Project& p) {
     }
 }
 
+
+}  // namespace
+
+bool load_project(RunContext& ctx, Project& p, const std::string& file) {
+    if (!start_project(ctx, p)) return false;
+    int faults = 0;
+    if (!ReadVdf(ctx, p, file, nullptr, &faults)) {
+        std::cerr << "velm: cannot read " << file << "; nothing was run or written.\n";
+        return false;
+    }
+    if (faults > 0) {
+        std::cerr << "velm: " << file << " has " << faults << " faulty line" << (faults == 1 ? "" : "s")
+                  << " (told above); correct the file. Nothing was run or written.\n";
+        return false;
+    }
+    const std::vector<std::string> unknown = unknown_custom_units(p.gen);
+    for (const std::string& name : unknown) ctx.ui.tell("Unknown units for " + name);
+    if (!unknown.empty()) {
+        std::cerr << "velm: " << file << " names custom units that do not exist (told above); correct UNITS1 to UNITS3."
+                  << " Nothing was run or written.\n";
+        return false;
+    }
+    return true;
+}
+
 int save_project(RunContext& ctx, const Project& p, const std::string& file) {
     if (!save_vdf(ctx, p, file)) return 2;
     std::cout << "Project saved: " << file << "\n";
     return 0;
 }
-
-}  // namespace
 
 int command_run(const RunOptions& opt) {
     if (opt.mode != "hydraulics") {

@@ -3,6 +3,7 @@
 // reached, 2 bad usage or an unreadable file (nothing written).
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace velm {
@@ -23,6 +24,19 @@ struct RunOptions {
     std::string mtp;  // two-phase method for this run, in place of the project's
     ReadOptions read;
 };
+
+struct Project;
+struct RunContext;
+
+// Where run files go without --out: $XDG_DATA_HOME/velm, else ~/.local/share/velm.
+std::filesystem::path default_data_dir();
+
+// Reads the project for a command (with the pipe table of VELM_LIB or the
+// built-in one); a file with faulty lines or unknown custom units is refused
+// with its messages.
+bool load_project(RunContext& ctx, Project& p, const std::string& file);
+// Saves and says so; 0, or 2 when the file could not be written.
+int save_project(RunContext& ctx, const Project& p, const std::string& file);
 
 int command_run(const RunOptions& opt);
 int command_check(const std::string& project, const ReadOptions& opt);

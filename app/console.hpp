@@ -20,7 +20,8 @@ public:
         // reading a file with many faulty lines stops.
         int answer = 0;
         if (question.rfind("Was this older file", 0) == 0) answer = opt_.european ? 0 : 1;
-        if (question.find("pipe diameters") != std::string::npos || question.find("already exists") != std::string::npos)
+        if (question.find("pipe diameters") != std::string::npos || question.find("already exists") != std::string::npos ||
+            question.find("File import") != std::string::npos)
             answer = opt_.yes ? 0 : 1;
         std::cerr << question << " " << (answer < static_cast<int>(choices.size()) ? choices[answer] : "") << "\n";
         return answer;

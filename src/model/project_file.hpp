@@ -13,8 +13,9 @@ namespace velm {
 struct RunContext;
 
 // Import mode: turns the name in a line's index item into a record number of
-// the section, or nothing to skip the line.
-using ImportIndex = std::function<std::optional<int>(const std::string& section, const std::string& name)>;
+// the section, or nothing to skip the line; the key of the line comes along.
+using ImportIndex =
+    std::function<std::optional<int>(const std::string& section, const std::string& name, const std::string& key)>;
 
 // Reads a project file into the project. Messages and questions go through
 // ctx.ui in the program's words. Returns false when the file could not be read

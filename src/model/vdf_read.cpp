@@ -57,7 +57,7 @@ struct Reader {
         const std::string key = key_of(in.item());
         int index = 0;
         if (import) {
-            const auto found = (*import)(section_name, trim(index_item));
+            const auto found = (*import)(section_name, trim(index_item), key);
             if (!found) {
                 in.rest_of_line();
                 return;

@@ -127,5 +127,32 @@ TEST(Cli, FirstUseAnswersWithTheCauseAndLosesNothing) {
     EXPECT_EQ(velm("check p.vdf", dir).status, 1) << "the new, empty project";
 }
 
+// velm import: asks first, refuses a bad table with its message, and leaves
+// the project as it was unless the import went through.
+TEST(Cli, ImportAsksFirstAndChangesNothingOnABadTable) {
+    std::ifstream ex(kExample, std::ios::binary);
+    const std::string good((std::istreambuf_iterator<char>(ex)), std::istreambuf_iterator<char>());
+    struct Row { const char* what; const char* table; const char* flags; int status; const char* says; bool changed; };
+    const Row rows[] = {
+        {"unasked", "Stream,T [C]\r\nL-101,35\r\n", "", 1, "Continue ? No", false},
+        {"unknown unit", "Stream,T [Celsius]\r\nL-101,35\r\n", "--yes", 2, "unknown units for TEMP: Celsius", false},
+        {"imported", "Stream,T [C]\r\nL-101,35\r\n", "--yes --inlet", 0, "Runlog - Import properties", true},
+    };
+    for (const Row& r : rows) {
+        const fs::path dir = fresh_dir("import");
+        write(dir / "p.vdf", good);
+        write(dir / "s.csv", r.table);
+        const Outcome o = velm(std::string("import p.vdf s.csv --out . ") + r.flags, dir);
+        EXPECT_EQ(o.status, r.status) << r.what << "\n" << o.text();
+        EXPECT_NE(o.text().find(r.says), std::string::npos) << r.what << "\n" << o.text();
+        std::ifstream kept(dir / "p.vdf", std::ios::binary);
+        const std::string now((std::istreambuf_iterator<char>(kept)), std::istreambuf_iterator<char>());
+        EXPECT_EQ(now != good, r.changed) << r.what;
+        if (r.changed) {
+            EXPECT_NE(now.find("\"\\PIPE\",1,\"TEMP\",35,20,27.5,\"C\""), std::string::npos) << now;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace velm
