@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "app/console.hpp"
+#include "import/simulators.hpp"
 #include "import/stream_import.hpp"
 #include "model/context.hpp"
 #include "model/records.hpp"
@@ -10,6 +11,26 @@
 namespace velm {
 
 namespace {
+
+// A HYSYS case (the active one when no file is named) or an Aspen Plus
+// document, through this build's automation layer.
+bool import_from_simulator(RunContext& ctx, Project& p, const ImportOptions& opt, const ImportChoices& choices) {
+    const double patm = p.gen.PATM;
+    if (opt.simulator == "Hysys") {
+        const auto server = no_hysys_server();
+        if (!hysys_open(ctx, *server, opt.streams)) return false;
+        import_simulator_streams(
+            ctx, p, [&](const std::string& name, StreamValues& v) { return hysys_stream(ctx, *server, name, patm, v); },
+            opt.streams.empty() ? "Hysys" : opt.streams, choices);
+        return true;
+    }
+    const auto doc = no_aspen_document();
+    if (!aspen_open(ctx, *doc, opt.streams)) return false;
+    import_simulator_streams(
+        ctx, p, [&](const std::string& name, StreamValues& v) { return aspen_stream(ctx, *doc, name, patm, v); },
+        opt.streams, choices);
+    return true;
+}
 
 // 0 imported (and saved), 1 the question was answered No or the import went
 // wrong, 2 a file that could not be read or written.
@@ -23,14 +44,17 @@ int command_import(const ImportOptions& opt) {
         return 1;
     }
     ctx.data_dir = opt.out.empty() ? default_data_dir() : std::filesystem::path(opt.out);
+    ImportChoices choices{opt.inlet, opt.outlet, opt.props};
+    if (!choices.inlet && !choices.outlet && !choices.props) choices = {true, true, true};
     if (opt.records) {
         if (!import_project(ctx, p, opt.streams)) return 2;
-    } else {
-        ImportChoices choices{opt.inlet, opt.outlet, opt.props};
-        if (!choices.inlet && !choices.outlet && !choices.props) choices = {true, true, true};
+    } else if (opt.simulator == "File") {
         if (!import_streams(ctx, p, opt.streams, choices)) return 2;
-        std::cout << "Runlog - Import properties\nRun log: " << ctx.run_file("runlog.txt").string() << "\n";
+    } else if (!import_from_simulator(ctx, p, opt, choices)) {
+        ctx.ui.tell("Error importing file. Review results carefully.");
+        return 1;
     }
+    if (!opt.records) std::cout << "Runlog - Import properties\nRun log: " << ctx.run_file("runlog.txt").string() << "\n";
     return save_project(ctx, p, opt.save.empty() ? opt.project : opt.save);
 }
 
@@ -39,7 +63,11 @@ int command_import(const ImportOptions& opt) {
 ImportCommand::ImportCommand(CLI::App& app) {
     cmd_ = app.add_subcommand("import", "Import stream data (project-file form or a CSV stream table) into the lines");
     cmd_->add_option("project", opt_.project, "Project file (.vdf)")->required();
-    cmd_->add_option("streams", opt_.streams, "Stream file: project-file form or CSV")->required();
+    cmd_->add_option("streams", opt_.streams,
+                     "Stream file: project-file form or CSV; the case or document of --simulator")
+        ->required();
+    cmd_->add_option("--simulator", opt_.simulator, "File (the default), Hysys or Aspen")
+        ->check(CLI::IsMember({"File", "Hysys", "Aspen"}));
     cmd_->add_flag("--inlet", opt_.inlet, "Import stream to pipe inlet conditions.");
     cmd_->add_flag("--outlet", opt_.outlet, "Import stream to pipe outlet conditions.");
     cmd_->add_flag("--props", opt_.props, "Import stream to pipe fluid properties.");

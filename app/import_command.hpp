@@ -11,6 +11,7 @@ namespace velm {
 
 struct ImportOptions {
     std::string project, streams, save, out;
+    std::string simulator = "File";  // "File", "Hysys" or "Aspen"
     bool inlet = false, outlet = false, props = false, in_place = false, records = false;
     ReadOptions read;
 };

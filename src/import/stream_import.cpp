@@ -243,34 +243,37 @@ bool read_stream_table(RunContext& ctx, std::string_view bytes, double patm, Str
     return true;
 }
 
-// Writes each stream into its lines as the choices say, and logs what
-// became of every stream and every line.
+// Writes a stream into a line as the choices say, logging each key.
+void apply_stream(RunContext& ctx, Line& l, const Stream& s, const ImportChoices& choices, const std::string& file) {
+    const std::string head = "\\PIPE " + trim(l.NAME[1]) + " ";
+    for (const StreamField* f : s.keys) {
+        const std::vector<int> positions = chosen_positions(*f, choices);
+        if (positions.empty()) continue;
+        if (l.LOCK != 0) {
+            ctx.log_error(head + f->key + " - Locked, not imported");
+            continue;
+        }
+        Line from = s.values;
+        for (int pos : positions)
+            if (double* d = f->at(l, pos)) *d = *f->at(from, pos);
+        // A condition's average follows its two ends.
+        if (double* mean = f->group == Group::Conditions ? f->at(l, 3) : nullptr)
+            *mean = 0.5 * (*f->at(l, 1) + *f->at(l, 2));
+        ctx.log_error(head + f->key + " - Imported from " + s.name + " in " + file);
+    }
+}
+
+// Writes each stream into its lines, and logs what became of every stream and
+// every line.
 void apply_streams(RunContext& ctx, Project& p, const Streams& streams, const ImportChoices& choices,
                    const std::string& file) {
     std::vector<bool> fed(p.lines.size(), false);
     for (const Stream& s : streams.list) {
         bool matched = false;
         for (std::size_t i = 1; i < p.lines.size(); ++i) {
-            Line& l = p.lines[i];
-            if (stream_key(l) != upper(s.name)) continue;
-            matched = true;
-            fed[i] = true;
-            const std::string head = "\\PIPE " + trim(l.NAME[1]) + " ";
-            for (const StreamField* f : s.keys) {
-                const std::vector<int> positions = chosen_positions(*f, choices);
-                if (positions.empty()) continue;
-                if (l.LOCK != 0) {
-                    ctx.log_error(head + f->key + " - Locked, not imported");
-                    continue;
-                }
-                Line from = s.values;
-                for (int pos : positions)
-                    if (double* d = f->at(l, pos)) *d = *f->at(from, pos);
-                // A condition's average follows its two ends.
-                if (double* mean = f->group == Group::Conditions ? f->at(l, 3) : nullptr)
-                    *mean = 0.5 * (*f->at(l, 1) + *f->at(l, 2));
-                ctx.log_error(head + f->key + " - Imported from " + s.name + " in " + file);
-            }
+            if (stream_key(p.lines[i]) != upper(s.name)) continue;
+            matched = fed[i] = true;
+            apply_stream(ctx, p.lines[i], s, choices, file);
         }
         if (!matched) ctx.log_error("\\PIPE " + s.name + " skipped - not defined in Velm");
     }
@@ -305,7 +308,48 @@ std::optional<int> record_by_name(const Project& p, const std::string& section, 
     return std::nullopt;
 }
 
+// The run log of an import: begun afresh, ended with its closing line and written.
+template <class Body>
+void import_run_log(RunContext& ctx, Body&& body) {
+    std::error_code ec;
+    std::filesystem::remove(ctx.run_file("runlog.txt"), ec);
+    ctx.run_active = true;
+    ctx.run_log_text = "Import RunLog.";
+    body();
+    ctx.log_error("Runlog - Import properties");
+    ctx.run_active = false;
+    ctx.log_line();
+    ctx.project_dirty = true;
+}
+
 }  // namespace
+
+void import_simulator_streams(RunContext& ctx, Project& p, const StreamReader& read, const std::string& source,
+                              const ImportChoices& choices) {
+    import_run_log(ctx, [&] {
+        for (std::size_t i = 1; i < p.lines.size(); ++i) {
+            Line& l = p.lines[i];
+            Stream s{trim(trim(l.STRM).empty() ? l.NAME[1] : l.STRM), Line{}, {}};
+            if (l.LOCK != 0) {
+                ctx.log_error("\\PIPE " + trim(l.NAME[1]) + " - Locked, not imported");
+                continue;
+            }
+            std::vector<std::pair<std::string, double>> values;
+            if (!read(s.name, values)) {
+                ctx.log_error(trim(l.NAME[1]) + " - No data in " + source);
+                continue;
+            }
+            for (const auto& [key, v] : values) {
+                const StreamField* f = stream_field(key);
+                if (f == nullptr) continue;
+                for (int pos = 1; pos <= 3; ++pos)
+                    if (double* d = f->at(s.values, pos)) *d = v;
+                s.keys.push_back(f);
+            }
+            apply_stream(ctx, l, s, choices, source);
+        }
+    });
+}
 
 bool import_streams(RunContext& ctx, Project& p, const std::filesystem::path& file, const ImportChoices& choices) {
     std::string bytes;
@@ -321,14 +365,7 @@ bool import_streams(RunContext& ctx, Project& p, const std::filesystem::path& fi
         ctx.ui.tell("Error importing file. Review results carefully.");
         return false;
     }
-    std::filesystem::remove(ctx.run_file("runlog.txt"), ec);
-    ctx.run_active = true;
-    ctx.run_log_text = "Import RunLog.";
-    apply_streams(ctx, p, streams, choices, file.string());
-    ctx.log_error("Runlog - Import properties");
-    ctx.run_active = false;
-    ctx.log_line();
-    ctx.project_dirty = true;
+    import_run_log(ctx, [&] { apply_streams(ctx, p, streams, choices, file.string()); });
     return true;
 }
 

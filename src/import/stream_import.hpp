@@ -5,7 +5,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "model/records.hpp"
 
@@ -34,6 +37,17 @@ inline constexpr const char* kImportQuestion = "File import is irreversible and 
 // nothing changed, when the file cannot be read or a CSV names a column or
 // unit that is not known (told through ctx.ui).
 bool import_streams(RunContext& ctx, Project& p, const std::filesystem::path& file, const ImportChoices& choices);
+
+// One stream read from a simulator: values by line key (TEMP, PRES, LF, H, S,
+// LIQDEN, ...) in internal units; false when the simulator had none.
+using StreamReader = std::function<bool(const std::string& stream, std::vector<std::pair<std::string, double>>& values)>;
+
+// Imports from a simulator case: each line not locked reads its stream (STRM,
+// or its name) through read and takes the values as the choices say; the run
+// log says what became of every line, naming source, and ends as a file
+// import does.
+void import_simulator_streams(RunContext& ctx, Project& p, const StreamReader& read, const std::string& source,
+                              const ImportChoices& choices);
 
 // Reads another project file into this one in import mode: each line's index
 // item is the name of a record of its section here, and a name that none bears
