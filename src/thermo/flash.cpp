@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "import/simulators.hpp"
 #include "model/fault.hpp"
 #include "model/number_format.hpp"
 #include "thermo/flash_algorithms.hpp"
@@ -86,7 +87,8 @@ bool run_engine(RunContext& ctx, const FlashSetup& setup, FlashStream& s, std::s
             ctx.log_error("Flash - Method = " + setup.MFLASH + ", Thermo = " + setup.MHYSYS);
             ctx.log_error("Flash - Call Hysys interface.");
         }
-        const bool ok = FlashHysys(ctx, setup, s);
+        const bool ok = setup.hysys != nullptr ? FlashHysys(ctx, *setup.hysys, setup, s)
+                                               : FlashHysys(ctx, *no_hysys_server(), setup, s);
         if (!ok) reason = "HYSYS flash failed.";
         if (trace) FlashReport(ctx, setup, s);
         return ok;
@@ -133,12 +135,10 @@ void LoadFlashSetup(RunContext& ctx, const Project& project, const std::filesyst
     GetCompData(ctx, lib, ids, setup.comps, setup.kij);
 }
 
-bool HysysStart(RunContext& ctx) {
-    ctx.log_error("Error! Cannot start HYSYS. The simulator interface is not available in this version.");
-    return false;
+bool HysysStart(RunContext& ctx, const FlashSetup& setup, const std::filesystem::path& work_dir) {
+    if (setup.hysys != nullptr) return HysysStart(ctx, *setup.hysys, setup, work_dir);
+    return HysysStart(ctx, *no_hysys_server(), setup, work_dir);
 }
-
-bool FlashHysys(RunContext& ctx, const FlashSetup&, FlashStream&) { return HysysStart(ctx); }
 
 bool FlashDispatch(RunContext& ctx, const FlashSetup& setup, FlashStream& s) {
     FlashWork w;

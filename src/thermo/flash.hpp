@@ -31,6 +31,8 @@ inline constexpr int kFlashTF = 5;  // T, LF given: pressure
 // block in the run log.
 inline constexpr int kFlashTraceLog = 2;
 
+class HysysServer;
+
 struct FlashStream {
     std::string NAME;      // label in messages, at most 12 characters
     double T = 0.0;        // K
@@ -66,9 +68,14 @@ struct FlashSetup {
     std::vector<int> ids;          // component numbers, ids[1..n]
     std::vector<CompProp> comps;   // component records, comps[1..n]
     Kij kij;                       // interaction coefficients, (n+1) x (n+1)
+    HysysServer* hysys = nullptr;  // the server of the "HYSYS" engine; none: this build's, which cannot start
 
     std::size_t count() const { return comps.empty() ? 0 : comps.size() - 1; }
 };
+
+// Starts the scratch case of the "HYSYS" engine for a batch of flashes, on
+// setup.hysys or this build's server (which reports "Cannot start Hysys.").
+bool HysysStart(RunContext& ctx, const FlashSetup& setup, const std::filesystem::path& work_dir);
 
 // Copies the methods of the header into setup.
 void flash_methods(const Header& gen, FlashSetup& setup);
@@ -110,8 +117,6 @@ bool FlashDispatch(RunContext& ctx, const FlashSetup& setup, FlashStream& s);
 
 // The simulator engine. The simulator interface is not part of this build:
 // both report that the simulator cannot be started and return false.
-bool HysysStart(RunContext& ctx);
-bool FlashHysys(RunContext& ctx, const FlashSetup& setup, FlashStream& s);
 
 // The results block of a flash as it goes to the run log, one line a line.
 std::vector<std::string> flash_report_lines(const FlashSetup& setup, const FlashStream& s);

@@ -189,6 +189,28 @@ TEST(Aspen, TheTreeWalkReadsEveryValueOrNamesWhereItStopped) {
     EXPECT_EQ(p.lines[1].LIQDEN[2], 958.0);
 }
 
+// The "HYSYS" engine of the one flash entry point goes through the server.
+TEST(Hysys, TheFlashEngineGoesThroughTheServer) {
+    Session s;
+    FakeHysys h;
+    s.setup.MFLASH = "Hysys";
+    s.setup.hysys = &h;
+    ASSERT_TRUE(HysysStart(s.ctx, s.setup, "/tmp"));
+    FlashStream fs;
+    fs.NAME = "S1";
+    fs.FT = kFlashTP;
+    fs.T = 320.0;
+    fs.P = 800.0;
+    fs.Z[1] = fs.Z[2] = 0.5;
+    ASSERT_TRUE(Flash(s.ctx, s.setup, fs));
+    EXPECT_EQ(h.T, 320.0);
+    EXPECT_EQ(h.P, 800.0);
+    EXPECT_EQ(fs.VAPK, 1.25);
+    s.setup.hysys = nullptr;
+    EXPECT_FALSE(HysysStart(s.ctx, s.setup, "/tmp"));
+    EXPECT_EQ(take_run_log(s.ctx), std::vector<std::string>{"Error! Cannot start Hysys."});
+}
+
 // This build has no automation server, and says so in the program's words.
 TEST(Simulators, ThisBuildHasNoServerAndSaysSo) {
     Session s;
