@@ -2,7 +2,8 @@
 # Installs what the build and the tests need, from Debian's packages.
 # Safe to run again: packages already present are not fetched.
 set -euo pipefail
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+          libsuitesparse-dev)
 if [ "${1:-}" = "--tools" ]; then
   # Only for regenerating data and reference tables under tools/.
   packages+=(python3 python3-fluids python3-iapws python3-scipy)

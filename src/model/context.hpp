@@ -44,6 +44,10 @@ private:
     std::size_t next_ = 0;
 };
 
+// The linear solve of the network: the reference elimination, the fast sparse
+// LU, or by the order of the system.
+enum class LinearSolver { Auto, Reference, Klu };
+
 // The run log buffer reaches the disk once it holds this many characters.
 inline constexpr std::size_t kRunLogFlushChars = 30000;
 
@@ -63,6 +67,7 @@ struct RunContext {
     std::vector<std::string> case_warnings;
     std::filesystem::path project_file;    // the project being run, as the report names it
     int max_iter = 20;
+    LinearSolver linear_solver = LinearSolver::Auto;
     double soserror = 0.001;
     std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go
     std::atomic<bool> stop{false};         // set from outside to stop a run

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "model/records.hpp"
+#include "solver/fast_solve.hpp"
 #include "solver/sparse.hpp"
 
 namespace velm {
@@ -54,6 +55,7 @@ struct Network {
     std::vector<int> end_start;
     bool topology_ready = false;  // the ends are found once per run: the drawing does not change during it
     SparseWork work;
+    FastSolveWork fast;
     std::vector<double> last_rhs;  // the right-hand side of the last build (before solving)
 };
 

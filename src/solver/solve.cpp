@@ -228,12 +228,21 @@ void push_pressures(Writeback& wb) {
     for (int i = 1; i <= count(p.vessels); ++i) push_vessel(wb, i);
 }
 
+// The reference elimination for small systems, KLU for large ones or when
+// the run asks for one of them.
+int solve_network(RunContext& ctx, Network& net) {
+    const bool fast = ctx.linear_solver == LinearSolver::Klu ||
+                      (ctx.linear_solver == LinearSolver::Auto && net.NumSpecs >= kFastSolveOrder);
+    if (fast) return FastSolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.fast);
+    return SolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.work);
+}
+
 }  // namespace
 
 int Hydr_Solve(RunContext& ctx, Project& p, Network& net, double& err, int case_no, int) {
     try {
         Matrix_Setup(ctx, p, net, 1, case_no);
-        const int status = SolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.work);
+        const int status = solve_network(ctx, net);
         if (status != 0) return status;
         Writeback wb{ctx, p, net.B, err, 101.325 - p.gen.PATM};
         take_flows(p, net, net.B, err);
