@@ -1,5 +1,6 @@
-// Grid networks of about 1,000 and 10,000 lines: one step of the network
-// solution, and a whole run to convergence.
+// Grid networks of about 1,000 to 80,000 lines: one step of the network
+// solution, and a whole run to convergence, by the reference elimination and
+// by the fast sparse LU.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -18,7 +19,9 @@ namespace {
 // directed right and down; a feed at 500 kPag into the first corner and a
 // product at 100 kPag out of each other corner. With equipment, every
 // hundredth connection runs through a pump on its curve and a control valve.
-Project grid(RunContext& ctx, int rows, int cols, bool equipment = false) {
+// A sparse grid keeps a comb (every row, and the first column) and about 15 %
+// of the other vertical connections.
+Project grid(RunContext& ctx, int rows, int cols, bool equipment = false, bool sparse = false) {
     Project p;
     NewProject(p);
     ReadPipeLib(ctx, p.pipedata);
@@ -61,7 +64,7 @@ Project grid(RunContext& ctx, int rows, int cols, bool equipment = false) {
     for (int r = 0; r < rows; ++r)
         for (int c = 0; c < cols; ++c) {
             if (c + 1 < cols) join(node(r, c), node(r, c + 1));
-            if (r + 1 < rows) join(node(r, c), node(r + 1, c));
+            if (r + 1 < rows && (!sparse || c == 0 || (r * cols + c) % 7 == 0)) join(node(r, c), node(r + 1, c));
         }
     p.feeds.push_back(p.feeds[0]);
     p.feeds[1].PRES.spec = "500";
@@ -80,11 +83,16 @@ void configure(RunContext& ctx) {
     ctx.max_iter = 100;
 }
 
+// Flags of the third argument.
+constexpr int kEquipment = 1, kSparse = 2, kReference = 4;
+
 void BM_HydrSolve(benchmark::State& state) {
     RecordingInteraction ui;
     RunContext ctx(ui);
     configure(ctx);
-    Project p = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    const int flags = static_cast<int>(state.range(2));
+    ctx.linear_solver = flags & kReference ? LinearSolver::Reference : LinearSolver::Klu;
+    Project p = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), false, flags & kSparse);
     ctx.run_active = true;
     Network net;
     double err = 0.0;
@@ -97,15 +105,18 @@ void BM_HydrSolve(benchmark::State& state) {
     }
     state.counters["lines"] = count(p.lines);
     state.counters["unknowns"] = net.NumVars;
-    state.counters["U_entries"] = static_cast<double>(net.work.IU.empty() ? 0 : net.work.IU[static_cast<std::size_t>(net.NumVars) + 1] - 1);
+    if (flags & kReference)
+        state.counters["U_entries"] = static_cast<double>(net.work.IU.empty() ? 0 : net.work.IU[static_cast<std::size_t>(net.NumVars) + 1] - 1);
 }
 
 void BM_RunToConvergence(benchmark::State& state) {
     RecordingInteraction ui;
     RunContext ctx(ui);
     configure(ctx);
-    const Project start =
-        grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), state.range(2) != 0);
+    const int flags = static_cast<int>(state.range(2));
+    ctx.linear_solver = flags & kReference ? LinearSolver::Reference : LinearSolver::Klu;
+    const Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
+                               flags & kEquipment, flags & kSparse);
     int iterations = 0;
     bool converged = false;
     for (auto _ : state) {
@@ -119,14 +130,28 @@ void BM_RunToConvergence(benchmark::State& state) {
     state.counters["converged"] = converged;
 }
 
-// About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions).
-BENCHMARK(BM_HydrSolve)->Args({16, 32})->Args({50, 100})->Unit(benchmark::kMillisecond);
-// The third argument puts a pump and a control valve on every hundredth connection.
-BENCHMARK(BM_RunToConvergence)
+// About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions)
+// by the reference; with KLU also 100 x 100 and 200 x 200 junctions, full and
+// sparse. The third argument: 1 equipment, 2 sparse, 4 the reference solve.
+BENCHMARK(BM_HydrSolve)
+    ->Args({16, 32, kReference})
     ->Args({16, 32, 0})
-    ->Args({16, 32, 1})
+    ->Args({50, 100, kReference})
     ->Args({50, 100, 0})
-    ->Args({50, 100, 1})
+    ->Args({100, 100, 0})
+    ->Args({100, 100, kSparse})
+    ->Args({200, 200, 0})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RunToConvergence)
+    ->Args({16, 32, kReference})
+    ->Args({16, 32, 0})
+    ->Args({16, 32, kEquipment})
+    ->Args({32, 32, kSparse})
+    ->Args({50, 100, 0})
+    ->Args({50, 100, kEquipment})
+    ->Args({100, 100, 0})
+    ->Args({100, 100, kSparse})
+    ->Args({200, 200, 0})
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 
