@@ -31,7 +31,8 @@ public:
 
     struct State;
     std::unique_ptr<State> state;
-    int analyses = 0;  // symbolic analyses made, for tests and benchmarks
+    int analyses = 0;       // symbolic analyses made, for tests and benchmarks
+    double factor_entries = 0;  // entries of L and U after the last factorisation
 };
 
 // Solves A*x = b as SolveMatrix does (1-based compressed rows, element 0
