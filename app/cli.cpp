@@ -29,6 +29,15 @@ int cli_main(int argc, char** argv) {
     run_cmd->add_option("--mtp", run.mtp, "Two-phase pressure drop method for this run")
         ->check(CLI::IsMember({"Homogeneous", "Dukler", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin",
                                "Beggs-Brill"}));
+    run_cmd->add_option("--solver", run.solver,
+                        "successive (the default) or newton: Newton steps on the continuity rows once flows settle")
+        ->check(CLI::IsMember({"successive", "newton"}));
+    run_cmd->add_option("--linear", run.linear, "auto (the default: KLU from 400 unknowns), klu or reference")
+        ->check(CLI::IsMember({"auto", "klu", "reference"}));
+    run_cmd->add_option("--max-iter", run.max_iter, "Iteration limit of each case (default 20)")
+        ->check(CLI::Range(1, 100000));
+    run_cmd->add_option("--tolerance", run.tolerance, "Convergence limit of the average error (default 0.001)")
+        ->check(CLI::PositiveNumber);
     run_cmd->add_flag("--european", run.read.european,
                       "Read a file of version 1.2 to 1.5 as written with a decimal comma");
 

@@ -136,6 +136,11 @@ int command_run(const RunOptions& opt) {
         return 2;
     }
     ctx.resume_run = opt.resume;
+    ctx.newton = opt.solver == "newton";
+    ctx.linear_solver = opt.linear == "klu" ? LinearSolver::Klu
+                        : opt.linear == "reference" ? LinearSolver::Reference : LinearSolver::Auto;
+    if (opt.max_iter > 0) ctx.max_iter = opt.max_iter;
+    if (opt.tolerance > 0.0) ctx.soserror = opt.tolerance;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "

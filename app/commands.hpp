@@ -22,6 +22,10 @@ struct RunOptions {
     bool resume = false;
     std::string mode = "hydraulics";
     std::string mtp;  // two-phase method for this run, in place of the project's
+    std::string solver = "successive";  // "successive" or "newton"
+    std::string linear = "auto";        // "auto", "klu" or "reference"
+    int max_iter = 0;                   // 0: the program's limit
+    double tolerance = 0.0;             // 0: the program's convergence limit
     ReadOptions read;
 };
 

@@ -85,7 +85,7 @@ void configure(RunContext& ctx) {
 }
 
 // Flags of the third argument.
-constexpr int kEquipment = 1, kSparse = 2, kReference = 4;
+constexpr int kEquipment = 1, kSparse = 2, kReference = 4, kNewton = 8;
 
 void BM_HydrSolve(benchmark::State& state) {
     RecordingInteraction ui;
@@ -118,12 +118,15 @@ void BM_RunToConvergence(benchmark::State& state) {
     configure(ctx);
     const int flags = static_cast<int>(state.range(2));
     ctx.linear_solver = flags & kReference ? LinearSolver::Reference : LinearSolver::Klu;
+    ctx.newton = (flags & kNewton) != 0;
     const Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
                                flags & kEquipment, flags & kSparse);
     int iterations = 0;
     bool converged = false;
     for (auto _ : state) {
+        state.PauseTiming();
         Project p = start;
+        state.ResumeTiming();
         const RunResult r = Hydr_Sim(ctx, p);
         iterations = r.cases.empty() ? 0 : r.cases.back().iterations;
         converged = r.all_converged();
@@ -135,7 +138,8 @@ void BM_RunToConvergence(benchmark::State& state) {
 
 // About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions)
 // by the reference; with KLU also 100 x 100 and 200 x 200 junctions, full and
-// sparse. The third argument: 1 equipment, 2 sparse, 4 the reference solve.
+// sparse. The third argument: 1 equipment, 2 sparse, 4 the reference solve,
+// 8 Newton steps.
 BENCHMARK(BM_HydrSolve)
     ->Args({16, 32, kReference})
     ->Args({16, 32, 0})
@@ -148,13 +152,18 @@ BENCHMARK(BM_HydrSolve)
 BENCHMARK(BM_RunToConvergence)
     ->Args({16, 32, kReference})
     ->Args({16, 32, 0})
+    ->Args({16, 32, kNewton})
     ->Args({16, 32, kEquipment})
     ->Args({32, 32, kSparse})
+    ->Args({32, 32, kSparse | kNewton})
     ->Args({50, 100, 0})
-    ->Args({50, 100, kEquipment})
+    ->Args({50, 100, kNewton})
+    ->Args({50, 100, kEquipment | kNewton})
     ->Args({100, 100, 0})
+    ->Args({100, 100, kNewton})
     ->Args({100, 100, kSparse})
-    ->Args({200, 200, 0})
+    ->Args({100, 100, kSparse | kNewton})
+    ->Args({200, 200, kNewton})
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 

@@ -68,6 +68,7 @@ struct RunContext {
     std::filesystem::path project_file;    // the project being run, as the report names it
     int max_iter = 20;
     LinearSolver linear_solver = LinearSolver::Auto;
+    bool newton = false;       // Newton steps on the continuity rows once the flows settle
     double soserror = 0.001;
     std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go
     std::atomic<bool> stop{false};         // set from outside to stop a run

@@ -178,12 +178,35 @@ double node_coef(const Line& line) {
     return w == 0.0 ? 1.0 : 1.0 / w;
 }
 
-template <class Node>
-void node_balance(const Project& p, Rows& rows, const Node& node, int line_base) {
-    for (int n = 1; n <= kNozzles; ++n) {
-        if (is_line(p, node.NOZI[n].CON)) rows.add(node_coef(p.lines[node.NOZI[n].CON]), line_base + node.NOZI[n].CON);
-        if (is_line(p, node.NOZO[n].CON)) rows.add(-node_coef(p.lines[node.NOZO[n].CON]), line_base + node.NOZO[n].CON);
+// A line's term in a balance of flows: X / |W| stands for W, so the row is
+// linear in the unknowns X = W|W|. In the successive scheme the right side is
+// 0; a Newton step linearises W(X) = X / sqrt|X| about the present flows,
+// which keeps the coefficients and puts minus the present imbalance (the sum
+// of the weighted flows) on the right side.
+struct Balance {
+    Rows& rows;
+    const Project& p;
+    int line_base;
+    bool newton;
+    double imbalance = 0.0;
+    void add(int line, double weight) {
+        if (!is_line(p, line)) return;
+        const Line& l = p.lines[static_cast<std::size_t>(line)];
+        rows.add(weight * node_coef(l), line_base + line);
+        imbalance += weight * l.TFLOW.value;
     }
+    void close() {
+        if (newton) rows.rhs(-imbalance);
+    }
+};
+
+template <class Node>
+void node_balance(Balance& b, const Node& node) {
+    for (int n = 1; n <= kNozzles; ++n) {
+        b.add(node.NOZI[n].CON, 1.0);
+        b.add(node.NOZO[n].CON, -1.0);
+    }
+    b.close();
 }
 
 // Continuity rows: what enters a piece of equipment leaves it.
@@ -215,21 +238,23 @@ void continuity_rows(const Project& p, Network& net, Rows& rows) {
     }
     for (int i = 1; i <= count(p.tees); ++i) {
         rows.begin();
+        Balance b{rows, p, lb, net.newton_on};
         for (int side = 1; side <= 3; ++side) {
-            const int in = p.tees[i].CON[static_cast<std::size_t>(side)];
-            const int out = p.tees[i].CON[static_cast<std::size_t>(side + 3)];
-            if (is_line(p, in)) rows.add(node_coef(p.lines[in]), lb + in);
-            if (is_line(p, out)) rows.add(-node_coef(p.lines[out]), lb + out);
+            b.add(p.tees[i].CON[static_cast<std::size_t>(side)], 1.0);
+            b.add(p.tees[i].CON[static_cast<std::size_t>(side + 3)], -1.0);
         }
+        b.close();
     }
     for (int i = 1; i <= count(p.juncs); ++i) {
         rows.begin();
-        node_balance(p, rows, p.juncs[i], lb);
+        Balance b{rows, p, lb, net.newton_on};
+        node_balance(b, p.juncs[i]);
     }
     for (int i = 1; i <= count(p.expands); ++i) through(p.expands[i].CON[1], p.expands[i].CON[2]);
     for (int i = 1; i <= count(p.vessels); ++i) {
         rows.begin();
-        node_balance(p, rows, p.vessels[i], lb);
+        Balance b{rows, p, lb, net.newton_on};
+        node_balance(b, p.vessels[i]);
     }
 }
 
@@ -315,10 +340,10 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         if (out == 0 || !spec_is(p.lines[out].TFLOW.spec, case_no, 'V')) continue;
         // Vapour split: the outlet carries (1 - LF) of all that enters.
         rows.begin();
-        for (int n = 1; n <= kNozzles; ++n)
-            if (is_line(p, v.NOZI[n].CON))
-                rows.add((1.0 - v.LF.value) * node_coef(p.lines[v.NOZI[n].CON]), lb + v.NOZI[n].CON);
-        rows.add(-node_coef(p.lines[out]), lb + out);
+        Balance b{rows, p, lb, net.newton_on};
+        for (int n = 1; n <= kNozzles; ++n) b.add(v.NOZI[n].CON, 1.0 - v.LF.value);
+        b.add(out, -1.0);
+        b.close();
     }
     for (int i = 1; i <= count(p.lines); ++i) {
         Line& l = p.lines[i];

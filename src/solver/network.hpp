@@ -57,7 +57,13 @@ struct Network {
     SparseWork work;
     FastSolveWork fast;
     std::vector<double> last_rhs;  // the right-hand side of the last build (before solving)
+    // Newton steps on the continuity rows: on for the rest of a case once the
+    // largest relative change of a line flow in a step falls below kNewtonGate.
+    bool newton_on = false;
+    double flow_change = 1.0;
 };
+
+inline constexpr double kNewtonGate = 0.5;
 
 // Builds the rows of the network for a case (mode 1), or only counts them
 // (mode 0). Sets NumVars and NumSpecs.

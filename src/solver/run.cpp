@@ -62,6 +62,7 @@ bool run_case(RunContext& ctx, Project& p, Network& net, int case_no, CaseResult
               std::string& msg) {
     const std::string c = case_text(case_no);
     ctx.log_error(c + "Hydraulics - Start Iteration.");
+    net.newton_on = false;
     for (int iter = 1; iter <= ctx.max_iter; ++iter) {
         double err = 0.0;
         Hydr_UpdateProperties(ctx, p, iter, case_no);

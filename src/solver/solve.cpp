@@ -1,5 +1,6 @@
 // One step of the network solution: build the rows, solve, write back the
 // flows and pressures with damping, and push pressures into the lines.
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -56,8 +57,9 @@ struct Writeback {
     }
 };
 
-void take_flows(Project& p, const Network& net, const std::vector<double>& x, double& err) {
+void take_flows(Project& p, Network& net, const std::vector<double>& x, double& err) {
     const double damping = p.gen.MHDAMP;
+    net.flow_change = 0.0;
     for (int i = 1; i <= count(p.lines); ++i) {
         Line& line = p.lines[i];
         const double xi = x[static_cast<std::size_t>(net.cols.line + i)];
@@ -65,6 +67,8 @@ void take_flows(Project& p, const Network& net, const std::vector<double>& x, do
         double& W = line.TFLOW.value;
         // A flow error weighs ten times a pressure error; the sum takes the undamped step.
         err += 10.0 * std::fabs(W - wc);
+        const double scale = std::max(std::fabs(W), std::fabs(wc));
+        if (scale > 0.0) net.flow_change = std::max(net.flow_change, std::fabs(W - wc) / scale);
         W += (wc - W) * damping;
         line.LVFLOW[1] = line.LF[3] * W;
         line.LVFLOW[2] = (1.0 - line.LF[3]) * W;
@@ -246,6 +250,7 @@ int Hydr_Solve(RunContext& ctx, Project& p, Network& net, double& err, int case_
         if (status != 0) return status;
         Writeback wb{ctx, p, net.B, err, 101.325 - p.gen.PATM};
         take_flows(p, net, net.B, err);
+        if (ctx.newton && net.flow_change < kNewtonGate) net.newton_on = true;
         take_pressures(wb, net.cols);
         floor_pressures(wb);
         push_pressures(wb);
