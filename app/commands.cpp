@@ -9,11 +9,13 @@
 #include "correlations/sizing.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
+#include "model/file_replace.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "solver/checks.hpp"
+#include "solver/input_checks.hpp"
 #include "solver/network.hpp"
 #include "solver/run.hpp"
 
@@ -77,6 +79,20 @@ void print_line_table(RunContext& ctx, const Project& p) {
     }
 }
 
+// Before a run: the run log can be written in the output directory and the
+// project can be saved where it is to go.
+bool run_files_writable(RunContext& ctx, const std::string& save_target) {
+    if (!append_text(ctx.run_file("runlog.txt"), "")) {
+        std::cerr << "velm: cannot write " << ctx.run_file("runlog.txt").string() << "; nothing was run.\n";
+        return false;
+    }
+    if (const std::string why = save_target.empty() ? "" : save_target_problem(save_target); !why.empty()) {
+        std::cerr << "velm: cannot save the project to " << why << "; nothing was run.\n";
+        return false;
+    }
+    return true;
+}
+
 int save_project(RunContext& ctx, const Project& p, const std::string& file) {
     if (!save_vdf(ctx, p, file)) return 2;
     std::cout << "Project saved: " << file << "\n";
@@ -103,6 +119,8 @@ int command_run(const RunOptions& opt) {
         std::cerr << "velm: cannot create the output directory " << ctx.data_dir.string() << ": " << ec.message() << "\n";
         return 2;
     }
+    const std::string target = opt.in_place ? opt.project : opt.save;
+    if (!run_files_writable(ctx, target)) return 2;
     ctx.resume_run = opt.resume;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
@@ -111,11 +129,14 @@ int command_run(const RunOptions& opt) {
         print_line_table(ctx, p);
     });
     std::cout << "\n" << r.title << "\n";
+    if (!ctx.write_error.empty()) {
+        std::cerr << "velm: could not write " << ctx.write_error << "; the run log and report are incomplete.\n";
+        return 2;
+    }
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
     std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
     int status = r.all_converged() ? 0 : 1;
-    const std::string target = opt.in_place ? opt.project : opt.save;
     if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;
     return status;
 }
@@ -127,6 +148,7 @@ int command_check(const std::string& file, const ReadOptions& opt) {
     if (!load_project(ctx, p, file)) return 2;
     std::string msg;
     CheckConnectivity(p, msg);
+    if (msg.empty()) msg = check_input_values(p);
     if (!msg.empty()) {
         std::cout << msg << "\n";
         return 1;

@@ -195,6 +195,7 @@ void prepare(RunContext& ctx, const FlashOptions& opt, FlashSetup& setup, FlashS
     s.NAME = "1";
     s.FT = type.ft;
     for (std::size_t i = 0; i < opt.z.size(); ++i) {
+        if (!std::isfinite(opt.z[i])) throw BadInput{"--z: a mole fraction must be a finite number."};
         if (!(opt.z[i] >= 0.0)) throw BadInput{"--z: a mole fraction cannot be negative."};
         s.Z[i + 1] = opt.z[i];
     }

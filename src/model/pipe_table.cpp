@@ -7,6 +7,7 @@
 #include "model/context.hpp"
 #include "model/embedded.hpp"
 #include "model/fault.hpp"
+#include "model/file_replace.hpp"
 #include "model/items.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
@@ -211,29 +212,11 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
 }
 
 bool SavePipeLib(RunContext& ctx, const std::vector<PipeData>& table, const std::filesystem::path& file) {
-    std::filesystem::path temp = file;
-    temp += ".tmp";
-    const std::string bytes = pipe_lib_text(table);
-    bool ok = false;
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (out) {
-            out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-            out.close();
-            ok = static_cast<bool>(out);
-        }
-    }
-    std::error_code ec;
-    if (ok) {
-        std::filesystem::rename(temp, file, ec);
-        ok = !ec;
-    }
-    if (!ok) {
-        std::filesystem::remove(temp, ec);
-        ctx.ui.tell("Error! Saving pipe data = " + fault_text(Fault{kFaultFileAccess, "Path/File access error"}) +
-                    ". Press OK to clear.");
-    }
-    return ok;
+    std::string error;
+    if (replace_file(file, pipe_lib_text(table), error)) return true;
+    ctx.ui.tell("Error! Saving pipe data = " + fault_text(Fault{kFaultFileAccess, "Path/File access error"}) +
+                ". Press OK to clear.");
+    return false;
 }
 
 int find_pipe_material(const std::vector<PipeData>& table, std::string_view mat) {
