@@ -79,20 +79,6 @@ void print_line_table(RunContext& ctx, const Project& p) {
     }
 }
 
-// Before a run: the run log can be written in the output directory and the
-// project can be saved where it is to go.
-bool run_files_writable(RunContext& ctx, const std::string& save_target) {
-    if (!append_text(ctx.run_file("runlog.txt"), "")) {
-        std::cerr << "velm: cannot write " << ctx.run_file("runlog.txt").string() << "; nothing was run.\n";
-        return false;
-    }
-    if (const std::string why = save_target.empty() ? "" : save_target_problem(save_target); !why.empty()) {
-        std::cerr << "velm: cannot save the project to " << why << "; nothing was run.\n";
-        return false;
-    }
-    return true;
-}
-
 int save_project(RunContext& ctx, const Project& p, const std::string& file) {
     if (!save_vdf(ctx, p, file)) return 2;
     std::cout << "Project saved: " << file << "\n";
@@ -112,6 +98,11 @@ int command_run(const RunOptions& opt) {
     Project p;
     if (!load_project(ctx, p, opt.project)) return 2;
     if (!opt.mtp.empty()) p.gen.MTP = opt.mtp;
+    const std::string target = opt.in_place ? opt.project : opt.save;
+    if (const std::string why = target.empty() ? "" : save_target_problem(target); !why.empty()) {
+        std::cerr << "velm: cannot save the project to " << why << "; nothing was run.\n";
+        return 2;
+    }
     ctx.data_dir = opt.out.empty() ? default_data_dir() : std::filesystem::path(opt.out);
     std::error_code ec;
     std::filesystem::create_directories(ctx.data_dir, ec);
@@ -119,8 +110,10 @@ int command_run(const RunOptions& opt) {
         std::cerr << "velm: cannot create the output directory " << ctx.data_dir.string() << ": " << ec.message() << "\n";
         return 2;
     }
-    const std::string target = opt.in_place ? opt.project : opt.save;
-    if (!run_files_writable(ctx, target)) return 2;
+    if (!append_text(ctx.run_file("runlog.txt"), "")) {
+        std::cerr << "velm: cannot write " << ctx.run_file("runlog.txt").string() << "; nothing was run.\n";
+        return 2;
+    }
     ctx.resume_run = opt.resume;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {

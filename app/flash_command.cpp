@@ -13,6 +13,7 @@
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "thermo/flash.hpp"
+#include "thermo/flash_algorithms.hpp"
 
 namespace velm {
 
@@ -274,6 +275,11 @@ int command_flash(const FlashOptions& opt) {
         return 2;
     }
     if (!Flash(ctx, setup, s)) return 1;  // Flash has told why
+    if ((s.FT == kFlashPH || s.FT == kFlashPS) && !(s.T >= kPropertySearchTmin && s.T <= kPropertySearchTmax)) {
+        std::cerr << "velm flash: no temperature between " << kPropertySearchTmin << " and " << kPropertySearchTmax
+                  << " K gives the " << (s.FT == kFlashPH ? "enthalpy" : "entropy") << " asked for.\n";
+        return 1;
+    }
     if (opt.json) {
         std::cout << stream_json(setup, s).dump(2) << "\n";
     } else {

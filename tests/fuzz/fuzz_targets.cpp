@@ -80,13 +80,15 @@ void require_round_trip(RunContext& ctx, const Project& p) {
 }
 
 // Answers "No": a file with many faulty lines is read to its end, and an old
-// file is read with a decimal point.
+// file is read with a decimal point. Projects are held to max_bytes of
+// records, so that each input runs in milliseconds.
 struct Reading {
     RecordingInteraction ui;
     RunContext ctx{ui};
     Project p;
-    Reading() {
+    explicit Reading(std::size_t max_bytes = std::size_t{8} << 20) {
         ui.default_answer = 1;
+        ctx.max_project_bytes = max_bytes;
         start_project(p);
     }
 };
@@ -193,7 +195,7 @@ void numbers(std::string_view bytes) {
 // A project read and run as `velm run` would: only a file without faulty
 // lines runs, with a small iteration limit, writing into a scratch directory.
 void run(std::string_view bytes) {
-    Reading r;
+    Reading r(std::size_t{1} << 20);
     int faults = 0;
     if (!read_vdf_text(r.ctx, r.p, bytes, nullptr, &faults) || faults > 0) return;
     r.ctx.max_iter = 4;

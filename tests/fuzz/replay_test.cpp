@@ -41,13 +41,13 @@ TEST(FuzzReplay, EveryRegressionInputEndsCleanly) {
 }
 
 // One libFuzzer dictionary entry: the text between double quotes, with
-// backslashes, quotes and control bytes escaped.
+// backslashes and quotes escaped and line ends as \xNN.
 std::string dict_entry(std::string_view text) {
     std::string out = "\"";
     for (char c : text) {
         if (c == '\\' || c == '"') out += {'\\', c};
-        else if (c == '\r') out += "\\r";
-        else if (c == '\n') out += "\\n";
+        else if (c == '\r') out += "\\x0D";
+        else if (c == '\n') out += "\\x0A";
         else out += c;
     }
     return out + "\"\n";
