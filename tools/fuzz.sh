@@ -14,7 +14,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-300}"
-read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_import pipelib propa prophys propkij numbers run}"
+read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_roundtrip vdf_import pipelib propa prophys propkij numbers run}"
 
 CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELM_FUZZ=ON \
   -DVELM_TESTS=OFF -DVELM_BENCH=OFF >/dev/null
@@ -25,7 +25,7 @@ seed() {
   local t=$1 dir=build-fuzz/seeds/$1
   rm -rf "$dir" && mkdir -p "$dir"
   case $t in
-    vdf | vdf_import | run) cp examples/*.vdf "$dir/" ;;
+    vdf | vdf_roundtrip | vdf_import | run) cp examples/*.vdf "$dir/" ;;
     pipelib) cp data/pipeid.lib "$dir/" ;;
     propa) head -c 3680 data/propa.lib >"$dir/propa20" ;;
     prophys) head -c 3100 data/prophys.lib >"$dir/prophys50" ;;
@@ -38,7 +38,7 @@ seed() {
 
 options() {
   case $1 in
-    vdf | vdf_import) echo "-max_len=16384 -dict=tests/fuzz/vdf.dict" ;;
+    vdf | vdf_roundtrip | vdf_import) echo "-max_len=8192 -dict=tests/fuzz/vdf.dict" ;;
     run) echo "-max_len=4096 -dict=tests/fuzz/vdf.dict" ;;
     propa | prophys) echo "-max_len=8192" ;;
     *) echo "-max_len=4096" ;;

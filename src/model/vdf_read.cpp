@@ -22,7 +22,7 @@ namespace {
 int max_records(const RunContext& ctx, const Project& p, const SectionIO& section) {
     std::size_t others = 0;
     for (const SectionIO* s : vdf_sections())
-        if (s != &section) others += static_cast<std::size_t>(s->count(p)) * s->record_bytes(p);
+        if (s != &section && s->count(p) > 0) others += static_cast<std::size_t>(s->count(p)) * s->record_bytes(p);
     if (others >= ctx.max_project_bytes) return 0;
     const std::size_t room = (ctx.max_project_bytes - others) / std::max<std::size_t>(section.record_bytes(p), 1);
     return static_cast<int>(std::min<std::size_t>(room, 1000000));

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -73,7 +74,7 @@ void start_project(Project& p) {
 void require_round_trip(RunContext& ctx, const Project& p) {
     const std::string first = WriteVdf(ctx, p);
     Project again;
-    start_project(again);
+    NewProject(again);
     int faults = 0;
     require(read_vdf_text(ctx, again, first, nullptr, &faults) && faults == 0, "a written project reads back");
     require(WriteVdf(ctx, again) == first, "a written project reads back the same");
@@ -81,20 +82,34 @@ void require_round_trip(RunContext& ctx, const Project& p) {
 
 // Answers "No": a file with many faulty lines is read to its end, and an old
 // file is read with a decimal point. Projects are held to max_bytes of
-// records, so that each input runs in milliseconds.
+// records, so that each input runs in milliseconds. A project to run starts
+// with the built-in pipe table, as `velm` starts one; one only read starts
+// empty, so that each input costs no more than its own lines.
 struct Reading {
     RecordingInteraction ui;
     RunContext ctx{ui};
     Project p;
-    explicit Reading(std::size_t max_bytes = std::size_t{8} << 20) {
+    Reading(std::size_t max_bytes, bool to_run) {
         ui.default_answer = 1;
         ctx.max_project_bytes = max_bytes;
-        start_project(p);
+        if (to_run) start_project(p);
+        else NewProject(p);
     }
 };
 
+constexpr std::size_t kReadBytes = std::size_t{1} << 20;
+constexpr std::size_t kRunBytes = std::size_t{256} << 10;
+
 void vdf(std::string_view bytes) {
-    Reading r;
+    Reading r(kReadBytes, false);
+    read_vdf_text(r.ctx, r.p, bytes);
+}
+
+// The reader and the writer together: a file that reads without a fault
+// writes, and reads back the same. (Each input costs a whole written file,
+// so this harness runs apart from the reader's own.)
+void vdf_roundtrip(std::string_view bytes) {
+    Reading r(kReadBytes, false);
     int faults = 0;
     if (read_vdf_text(r.ctx, r.p, bytes, nullptr, &faults) && faults == 0) require_round_trip(r.ctx, r.p);
 }
@@ -102,7 +117,7 @@ void vdf(std::string_view bytes) {
 // Import mode: the name of a record picks a record number from its characters,
 // sometimes out of range, sometimes none.
 void vdf_import(std::string_view bytes) {
-    Reading r;
+    Reading r(kReadBytes, false);
     const ImportIndex index = [&](const std::string& section, const std::string& name) -> std::optional<int> {
         if (name.empty()) return std::nullopt;
         const SectionIO* s = find_section(section);
@@ -185,7 +200,8 @@ void numbers(std::string_view bytes) {
         FormatNum(v, digits, 9);
         format_number(v, "0.00E-##");
         case_count_or_value(text, k);
-        if (const auto x = parse_number(entry)) require(parse_number(number_text(*x)) == *x, "a number reads back");
+        if (const auto x = parse_number(entry); x && std::isfinite(*x))
+            require(parse_number(number_text(*x)) == *x, "a number reads back");
     }
     for (int mode : {kWriteFileNumbers, kReadFileNumbers, kReadEuropeanNumbers, digits})
         converting_units(ctx, text, from, to, mode);
@@ -195,7 +211,7 @@ void numbers(std::string_view bytes) {
 // A project read and run as `velm run` would: only a file without faulty
 // lines runs, with a small iteration limit, writing into a scratch directory.
 void run(std::string_view bytes) {
-    Reading r(std::size_t{1} << 20);
+    Reading r(kRunBytes, true);
     int faults = 0;
     if (!read_vdf_text(r.ctx, r.p, bytes, nullptr, &faults) || faults > 0) return;
     r.ctx.max_iter = 4;
@@ -209,8 +225,9 @@ const std::vector<TargetInfo>& targets() {
     // The settings file and the stream-import files get their harnesses here
     // when their readers exist.
     static const std::vector<TargetInfo> all = {
-        {"vdf", vdf},         {"vdf_import", vdf_import}, {"pipelib", pipelib}, {"propa", propa},
-        {"prophys", prophys}, {"propkij", propkij},       {"numbers", numbers}, {"run", run},
+        {"vdf", vdf},         {"vdf_roundtrip", vdf_roundtrip}, {"vdf_import", vdf_import}, {"pipelib", pipelib},
+        {"propa", propa},     {"prophys", prophys},             {"propkij", propkij},       {"numbers", numbers},
+        {"run", run},
     };
     return all;
 }
