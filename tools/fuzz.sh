@@ -14,7 +14,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-300}"
-read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_roundtrip vdf_import pipelib propa prophys propkij numbers run}"
+read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_roundtrip vdf_import pipelib propa prophys propkij numbers flash run}"
 
 CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELM_FUZZ=ON \
   -DVELM_TESTS=OFF -DVELM_BENCH=OFF >/dev/null
@@ -30,6 +30,7 @@ seed() {
     propa) head -c 3680 data/propa.lib >"$dir/propa20" ;;
     prophys) head -c 3100 data/prophys.lib >"$dir/prophys50" ;;
     propkij) cp data/propkij.lib "$dir/" ;;
+    flash) printf '\x00\x01\x3e\x00\x00\x00\x00\x00\x00\xf0\x3f\x00\x00\x00\x00\x00\xc0\x72\x40\x00\x00\x00\x00\x00\x40\x8f\x40' >"$dir/water_tp" ;;
     numbers) for f in tests/data/*.csv; do head -n 3 "$f" | tail -n 1 | tr ',' ';' >"$dir/$(basename "$f")"; done ;;
   esac
   [ -d "tests/fuzz/seeds/$t" ] && cp tests/fuzz/seeds/"$t"/* "$dir/" 2>/dev/null || true

@@ -77,14 +77,6 @@ void read_material(ItemReader& in, PipeData& p) {
     }
 }
 
-// A text item cannot hold a double quote or a line break.
-std::string item_text(std::string_view s) {
-    std::string r(s);
-    for (char& c : r)
-        if (c == '"' || c == '\r' || c == '\n') c = ' ';
-    return r;
-}
-
 int find_size(const PipeData& p, std::string_view size) {
     for (int i = 1; i <= kPipeSizes; ++i)
         if (p.DIA[i].name == size) return i;
@@ -164,10 +156,10 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
         w.integer(s);
         w.end_line();
         w.text("Material");
-        w.text(item_text(p.MAT));
+        w.text(p.MAT);
         w.end_line();
         w.text("Notes");
-        w.text(item_text(p.NOTES));
+        w.text(p.NOTES);
         w.end_line();
         for (int k = 0; k < 2; ++k) {
             w.text("Properties");
@@ -180,29 +172,29 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
         w.text("m");
         w.end_line();
         w.text("NonStdSizes");
-        w.text(item_text(p.NSS));
+        w.text(p.NSS);
         w.end_line();
         w.text("SizeInit");
-        w.text(item_text(p.IDIA[1]));
-        w.text(item_text(p.IDIA[2]));
+        w.text(p.IDIA[1]);
+        w.text(p.IDIA[2]);
         w.end_line();
         w.text("SizeSch");
         for (int k = 1; k <= 3; ++k) {
             w.number(p.SDIA_limit[k]);
-            w.text(item_text(p.SDIA_sch[k]));
+            w.text(p.SDIA_sch[k]);
         }
         w.text("m");
         w.end_line();
         w.text("IDUnits");
-        w.text(item_text(p.UNITS));
+        w.text(p.UNITS);
         w.end_line();
         w.text("Nom");
         w.text("OD");
-        for (int j = 1; j <= kPipeSchedules; ++j) w.text(item_text(p.SCH[j]));
+        for (int j = 1; j <= kPipeSchedules; ++j) w.text(p.SCH[j]);
         w.end_line();
         for (int i = 1; i <= kPipeSizes; ++i) {
             const PipeSize& row = p.DIA[i];
-            w.text(item_text(row.name));
+            w.text(row.name);
             w.number(row.OD);
             for (int j = 1; j <= kPipeSchedules; ++j) w.number(row.ID[j]);
             w.end_line();
@@ -213,7 +205,11 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
 
 bool SavePipeLib(RunContext& ctx, const std::vector<PipeData>& table, const std::filesystem::path& file) {
     std::string error;
-    if (replace_file(file, pipe_lib_text(table), error)) return true;
+    try {
+        if (replace_file(file, pipe_lib_text(table), error)) return true;
+    } catch (const Fault&) {
+        // A text the library cannot hold whole: told as a failed write.
+    }
     ctx.ui.tell("Error! Saving pipe data = " + fault_text(Fault{kFaultFileAccess, "Path/File access error"}) +
                 ". Press OK to clear.");
     return false;

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstring>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -25,6 +26,7 @@
 #include "model/vdf_schema.hpp"
 #include "solver/run.hpp"
 #include "thermo/components.hpp"
+#include "thermo/flash.hpp"
 
 namespace velm::fuzz {
 
@@ -129,8 +131,9 @@ void vdf_import(std::string_view bytes) {
     read_vdf_text(r.ctx, r.p, bytes, &index);
 }
 
-// The pipe table: read, written and read back the same, then every lookup of
-// every material on the sizes and schedules it names.
+// The pipe table: read, written (a Fault escaping here is a finding) and read
+// back the same, then every lookup of every material on the sizes and
+// schedules it names.
 void pipelib(std::string_view bytes) {
     RecordingInteraction ui;
     RunContext ctx(ui);
@@ -138,7 +141,7 @@ void pipelib(std::string_view bytes) {
     if (!read_pipe_lib_text(ctx, bytes, table)) return;
     const std::string text = pipe_lib_text(table);
     std::vector<PipeData> again;
-    require(read_pipe_lib_text(ctx, text, again) && pipe_lib_text(again) == text, "a pipe table reads back the same");
+    require(read_pipe_lib_text(ctx, text, again) && again == table, "a pipe table reads back the same");
     for (std::size_t m = 1; m < table.size(); ++m) {
         const PipeData& pd = table[m];
         for (std::size_t s = 1; s < pd.DIA.size(); s += 7)
@@ -208,6 +211,60 @@ void numbers(std::string_view bytes) {
     convert_fmt_case(ctx, text, from, to, digits);
 }
 
+// Takes the next n bytes of the input (zeros past its end).
+struct ByteSource {
+    std::string_view bytes;
+    template <class T>
+    T take() {
+        T v{};
+        char raw[sizeof(T)] = {};
+        const std::size_t n = std::min(sizeof(T), bytes.size());
+        bytes.copy(raw, n);
+        bytes.remove_prefix(n);
+        std::memcpy(&v, raw, sizeof(T));
+        return v;
+    }
+    // A finite double of the input, or 0.
+    double finite() {
+        const double v = take<double>();
+        return std::isfinite(v) ? v : 0.0;
+    }
+};
+
+// One flash of built-in library components with the methods, the flash type,
+// the composition and the conditions the bytes give: any finite number, far
+// outside every correlation's range too.
+void flash(std::string_view bytes) {
+    ByteSource in{bytes};
+    static constexpr int kTypes[] = {kFlashTP, kFlashPF, kFlashPH, kFlashPS, kFlashTF};
+    static constexpr const char* kKValues[] = {"SRK", "ANTOINE"};
+    static constexpr const char* kEnthalpies[] = {"SRK", "IDEAL", "WS97"};
+    const auto choice = in.take<std::uint8_t>();
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    FlashSetup setup;
+    setup.MFLASHK = kKValues[choice & 1];
+    setup.MFLASHH = kEnthalpies[(choice >> 1) % 3];
+    setup.MFLASHR = (choice & 8) != 0;
+    FlashStream s;
+    s.NAME = "1";
+    s.FT = kTypes[(choice >> 4) % 5];
+    const int n = 1 + in.take<std::uint8_t>() % 4;
+    setup.ids.assign(1, 0);
+    for (int k = 1; k <= n; ++k) setup.ids.push_back(1 + in.take<std::uint16_t>() % 458);
+    double sum = 0.0;
+    for (int k = 1; k <= n; ++k) sum += s.Z[static_cast<std::size_t>(k)] = std::fabs(in.finite()) + 1e-3;
+    for (int k = 1; k <= n; ++k) s.Z[static_cast<std::size_t>(k)] /= sum;
+    s.T = in.finite();
+    s.P = in.finite();
+    s.LF = in.finite();
+    s.H = in.finite();
+    s.S = in.finite();
+    CompLibrary lib;
+    GetCompData(ctx, lib, setup.ids, setup.comps, setup.kij);
+    Flash(ctx, setup, s);
+}
+
 // A project read and run as `velm run` would: only a file without faulty
 // lines runs, with a small iteration limit, writing into a scratch directory.
 void run(std::string_view bytes) {
@@ -227,7 +284,7 @@ const std::vector<TargetInfo>& targets() {
     static const std::vector<TargetInfo> all = {
         {"vdf", vdf},         {"vdf_roundtrip", vdf_roundtrip}, {"vdf_import", vdf_import}, {"pipelib", pipelib},
         {"propa", propa},     {"prophys", prophys},             {"propkij", propkij},       {"numbers", numbers},
-        {"run", run},
+        {"flash", flash},     {"run", run},
     };
     return all;
 }
