@@ -10,11 +10,13 @@
 #include "correlations/sizing.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
+#include "model/file_replace.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "solver/checks.hpp"
+#include "solver/input_checks.hpp"
 #include "solver/network.hpp"
 #include "solver/run.hpp"
 
@@ -86,7 +88,6 @@ void print_line_table(RunContext& ctx, const Project& p) {
     }
 }
 
-
 }  // namespace
 
 bool load_project(RunContext& ctx, Project& p, const std::string& file) {
@@ -128,11 +129,20 @@ int command_run(const RunOptions& opt) {
     Project p;
     if (!load_project(ctx, p, opt.project)) return 2;
     if (!opt.mtp.empty()) p.gen.MTP = opt.mtp;
+    const std::string target = opt.in_place ? opt.project : opt.save;
+    if (const std::string why = target.empty() ? "" : save_target_problem(target); !why.empty()) {
+        std::cerr << "velm: cannot save the project to " << why << "; nothing was run.\n";
+        return 2;
+    }
     ctx.data_dir = opt.out.empty() ? default_data_dir() : std::filesystem::path(opt.out);
     std::error_code ec;
     std::filesystem::create_directories(ctx.data_dir, ec);
     if (ec) {
         std::cerr << "velm: cannot create the output directory " << ctx.data_dir.string() << ": " << ec.message() << "\n";
+        return 2;
+    }
+    if (!append_text(ctx.run_file("runlog.txt"), "")) {
+        std::cerr << "velm: cannot write " << ctx.run_file("runlog.txt").string() << "; nothing was run.\n";
         return 2;
     }
     ctx.resume_run = opt.resume;
@@ -148,12 +158,15 @@ int command_run(const RunOptions& opt) {
         print_line_table(ctx, p);
     });
     std::cout << "\n" << r.title << "\n";
+    if (!ctx.write_error.empty()) {
+        std::cerr << "velm: could not write " << ctx.write_error << "; the run log and report are incomplete.\n";
+        return 2;
+    }
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
     if (r.reported > 0) std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
     int status = r.all_converged() ? 0 : 1;
     if (status != 0) print_run_errors(r);
-    const std::string target = opt.in_place ? opt.project : opt.save;
     if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;
     return status;
 }
@@ -165,6 +178,7 @@ int command_check(const std::string& file, const ReadOptions& opt) {
     if (!load_project(ctx, p, file)) return 2;
     std::string msg;
     CheckConnectivity(p, msg);
+    if (msg.empty()) msg = check_input_values(p);
     if (!msg.empty()) {
         std::cout << msg << "\n";
         return 1;

@@ -13,6 +13,7 @@
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "thermo/flash.hpp"
+#include "thermo/flash_algorithms.hpp"
 
 namespace velm {
 
@@ -165,6 +166,7 @@ void prepare(RunContext& ctx, const FlashOptions& opt, FlashSetup& setup, FlashS
     s.NAME = "1";
     s.FT = type.ft;
     for (std::size_t i = 0; i < opt.z.size(); ++i) {
+        if (!std::isfinite(opt.z[i])) throw BadInput{"--z: a mole fraction must be a finite number."};
         if (!(opt.z[i] >= 0.0)) throw BadInput{"--z: a mole fraction cannot be negative."};
         s.Z[i + 1] = opt.z[i];
     }
@@ -244,6 +246,11 @@ int command_flash(const FlashOptions& opt) {
         return 2;
     }
     if (!Flash(ctx, setup, s)) return 1;  // Flash has told why
+    if ((s.FT == kFlashPH || s.FT == kFlashPS) && !(s.T >= kPropertySearchTmin && s.T <= kPropertySearchTmax)) {
+        std::cerr << "velm flash: no temperature between " << kPropertySearchTmin << " and " << kPropertySearchTmax
+                  << " K gives the " << (s.FT == kFlashPH ? "enthalpy" : "entropy") << " asked for.\n";
+        return 1;
+    }
     if (opt.json) {
         std::cout << stream_json(setup, s).dump(2) << "\n";
     } else {

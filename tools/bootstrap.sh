@@ -4,6 +4,8 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
           libsuitesparse-dev)
+# clang with its libFuzzer and sanitizer runtimes: the fuzz harnesses (tools/fuzz.sh).
+packages+=(clang libclang-rt-dev)
 if [ "${1:-}" = "--tools" ]; then
   # Only for regenerating data and reference tables under tools/.
   packages+=(python3 python3-fluids python3-iapws python3-scipy)

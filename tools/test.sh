@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything, runs the file-reading tests under AddressSanitizer and
-# UndefinedBehaviorSanitizer, then runs the whole test suite.
+# UndefinedBehaviorSanitizer, fuzzes each file reader briefly, then runs the
+# whole test suite.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/bootstrap.sh
@@ -8,5 +9,8 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELM_TESTS=ON -
 cmake --build build
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELM_SANITIZE=ON -DVELM_TESTS=ON -DVELM_BENCH=OFF >/dev/null
 cmake --build build-asan --target velm_tests velm
-ASAN_OPTIONS=detect_leaks=1 build-asan/velm_tests --gtest_filter='*Vdf*:*BadInput*:*PipeLib*' --gtest_brief=1
+ASAN_OPTIONS=detect_leaks=1 build-asan/velm_tests --gtest_filter='*Vdf*:*BadInput*:*PipeLib*:*Fuzz*:*FileReplace*' \
+  --gtest_brief=1
+# Every file reader fuzzed for a few seconds (tools/fuzz.sh runs them longer).
+tools/fuzz.sh 4
 ctest --test-dir build --output-on-failure -j "$(nproc)"

@@ -16,8 +16,14 @@ void RunContext::log_error(const std::string& text) {
     }
     // The message that triggers the flush is dropped: the buffer goes to the
     // file and starts empty again.
-    append_text(run_file("runlog.txt"), run_log_text);
+    append_run_file("runlog.txt", run_log_text);
     run_log_text.clear();
+}
+
+bool RunContext::append_run_file(const std::string& name, const std::string& text) {
+    const bool ok = append_text(run_file(name), text);
+    if (!ok && write_error.empty()) write_error = run_file(name).string();
+    return ok;
 }
 
 void RunContext::warn(const std::string& text) {
@@ -27,7 +33,7 @@ void RunContext::warn(const std::string& text) {
 
 std::string RunContext::log_line() {
     const auto path = run_file("runlog.txt");
-    append_text(path, run_log_text);
+    append_run_file("runlog.txt", run_log_text);
     run_log_text.clear();
     std::string shown;
     std::ifstream in(path, std::ios::binary);
@@ -47,10 +53,6 @@ bool append_text(const std::filesystem::path& file, const std::string& text) {
     if (!out) return false;
     out << text;
     return static_cast<bool>(out);
-}
-
-bool append_line(const std::filesystem::path& file, const std::string& text) {
-    return append_text(file, text + "\r\n");
 }
 
 }  // namespace velm

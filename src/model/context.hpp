@@ -48,6 +48,10 @@ private:
 // LU, or by the order of the system.
 enum class LinearSolver { Auto, Reference, Klu };
 
+// The memory a project read from a file may take in records: far above any
+// plant network, far below what would exhaust a machine.
+inline constexpr std::size_t kMaxProjectBytes = std::size_t{256} << 20;
+
 // The run log buffer reaches the disk once it holds this many characters.
 inline constexpr std::size_t kRunLogFlushChars = 30000;
 
@@ -70,6 +74,7 @@ struct RunContext {
     LinearSolver linear_solver = LinearSolver::Auto;
     bool newton = false;       // Newton steps on the continuity rows once the flows settle
     double soserror = 0.001;
+    std::size_t max_project_bytes = kMaxProjectBytes;  // bounds the record counts a file may ask for
     std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go
     std::atomic<bool> stop{false};         // set from outside to stop a run
 
@@ -81,12 +86,14 @@ struct RunContext {
     // (up to 30000 characters): the text that closes the run.
     std::string log_line();
     std::filesystem::path run_file(const std::string& name) const { return data_dir / name; }
+    // Appends text to the run file of that name; a failure is kept in
+    // write_error (the first one) for the caller of the run to report.
+    bool append_run_file(const std::string& name, const std::string& text);
+    std::string write_error;  // the run file that could not be written, or ""
 };
 
-// Creates the directory if missing, opens the file for appending, writes the
-// text and a line end (CR LF). Returns false when the file cannot be written.
-bool append_line(const std::filesystem::path& file, const std::string& text);
-// Appends the text as it stands, without a line end.
+// Creates the directory if missing, opens the file for appending and writes
+// the text as it stands. Returns false when the file cannot be written.
 bool append_text(const std::filesystem::path& file, const std::string& text);
 
 }  // namespace velm

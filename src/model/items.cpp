@@ -77,7 +77,11 @@ std::string ItemReader::rest_of_line() {
 namespace {
 [[noreturn]] void type_mismatch(std::string_view item, int line) {
     raise_fault(kFaultTypeMismatch, "Type mismatch (line " + std::to_string(line) + ": a number was expected, found \"" +
-                                        std::string(item.substr(0, 40)) + "\")");
+                                        shown_text(item, 40) + "\")");
+}
+[[noreturn]] void out_of_range(std::string_view item, int line) {
+    raise_fault(kFaultOverflow,
+                "Overflow (line " + std::to_string(line) + ": the number \"" + shown_text(item, 40) + "\" is too large)");
 }
 }  // namespace
 
@@ -87,6 +91,7 @@ double ItemReader::number() {
     if (it.empty()) return 0.0;
     const auto v = parse_number(it);
     if (!v) type_mismatch(it, at);
+    if (!std::isfinite(*v)) out_of_range(it, at);
     return *v;
 }
 
@@ -100,6 +105,7 @@ int whole_number(std::string_view item, int line) {
     if (trim(item).empty()) return 0;
     const auto v = parse_number(item);
     if (!v) type_mismatch(item, line);
+    if (!std::isfinite(*v)) out_of_range(item, line);
     const double r = std::nearbyint(*v);
     if (!(std::fabs(r) <= 2147483647.0)) raise_fault(kFaultOverflow);
     return static_cast<int>(r);
@@ -117,9 +123,19 @@ void ItemWriter::separate() {
 
 void ItemWriter::text(std::string_view s) {
     separate();
-    out_ += '"';
+    if (s.find('"') == std::string_view::npos) {
+        out_ += '"';
+        out_ += s;
+        out_ += '"';
+        return;
+    }
+    // A quoted text ends at its next double quote, so a text holding one is
+    // written bare, as the reader took it; one that would not read back whole
+    // so is refused rather than cut.
+    if (s.front() == '"' || trim_view(s) != s || s.find_first_of(",\r\n") != std::string_view::npos)
+        raise_fault(kFaultInvalidCall, "Invalid procedure call or argument (the text \"" + shown_text(s, 40) +
+                                           "\" holds a double quote and cannot be written whole)");
     out_ += s;
-    out_ += '"';
 }
 
 void ItemWriter::number(double v) {

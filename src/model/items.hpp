@@ -45,6 +45,8 @@ private:
 
 class ItemWriter {
 public:
+    // A text between double quotes; one holding a double quote bare, as it
+    // reads back whole, or else "Invalid procedure call" (5) is raised.
     void text(std::string_view s);
     void number(double v);
     void single(float v);

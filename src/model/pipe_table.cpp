@@ -7,6 +7,7 @@
 #include "model/context.hpp"
 #include "model/embedded.hpp"
 #include "model/fault.hpp"
+#include "model/file_replace.hpp"
 #include "model/items.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
@@ -73,14 +74,6 @@ void read_material(ItemReader& in, PipeData& p) {
         row.OD = in.number();
         for (int j = 1; j <= kPipeSchedules; ++j) row.ID[j] = in.number();
     }
-}
-
-// A text item cannot hold a double quote or a line break.
-std::string item_text(std::string_view s) {
-    std::string r(s);
-    for (char& c : r)
-        if (c == '"' || c == '\r' || c == '\n') c = ' ';
-    return r;
 }
 
 int find_size(const PipeData& p, std::string_view size) {
@@ -162,10 +155,10 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
         w.integer(s);
         w.end_line();
         w.text("Material");
-        w.text(item_text(p.MAT));
+        w.text(p.MAT);
         w.end_line();
         w.text("Notes");
-        w.text(item_text(p.NOTES));
+        w.text(p.NOTES);
         w.end_line();
         for (int k = 0; k < 2; ++k) {
             w.text("Properties");
@@ -178,29 +171,29 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
         w.text("m");
         w.end_line();
         w.text("NonStdSizes");
-        w.text(item_text(p.NSS));
+        w.text(p.NSS);
         w.end_line();
         w.text("SizeInit");
-        w.text(item_text(p.IDIA[1]));
-        w.text(item_text(p.IDIA[2]));
+        w.text(p.IDIA[1]);
+        w.text(p.IDIA[2]);
         w.end_line();
         w.text("SizeSch");
         for (int k = 1; k <= 3; ++k) {
             w.number(p.SDIA_limit[k]);
-            w.text(item_text(p.SDIA_sch[k]));
+            w.text(p.SDIA_sch[k]);
         }
         w.text("m");
         w.end_line();
         w.text("IDUnits");
-        w.text(item_text(p.UNITS));
+        w.text(p.UNITS);
         w.end_line();
         w.text("Nom");
         w.text("OD");
-        for (int j = 1; j <= kPipeSchedules; ++j) w.text(item_text(p.SCH[j]));
+        for (int j = 1; j <= kPipeSchedules; ++j) w.text(p.SCH[j]);
         w.end_line();
         for (int i = 1; i <= kPipeSizes; ++i) {
             const PipeSize& row = p.DIA[i];
-            w.text(item_text(row.name));
+            w.text(row.name);
             w.number(row.OD);
             for (int j = 1; j <= kPipeSchedules; ++j) w.number(row.ID[j]);
             w.end_line();
@@ -210,29 +203,15 @@ std::string pipe_lib_text(const std::vector<PipeData>& table) {
 }
 
 bool SavePipeLib(RunContext& ctx, const std::vector<PipeData>& table, const std::filesystem::path& file) {
-    std::filesystem::path temp = file;
-    temp += ".tmp";
-    const std::string bytes = pipe_lib_text(table);
-    bool ok = false;
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (out) {
-            out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-            out.close();
-            ok = static_cast<bool>(out);
-        }
+    std::string error;
+    try {
+        if (replace_file(file, pipe_lib_text(table), error)) return true;
+    } catch (const Fault&) {
+        // A text the library cannot hold whole: told as a failed write.
     }
-    std::error_code ec;
-    if (ok) {
-        std::filesystem::rename(temp, file, ec);
-        ok = !ec;
-    }
-    if (!ok) {
-        std::filesystem::remove(temp, ec);
-        ctx.ui.tell("Error! Saving pipe data = " + fault_text(Fault{kFaultFileAccess, "Path/File access error"}) +
-                    ". Press OK to clear.");
-    }
-    return ok;
+    ctx.ui.tell("Error! Saving pipe data = " + fault_text(Fault{kFaultFileAccess, "Path/File access error"}) +
+                ". Press OK to clear.");
+    return false;
 }
 
 int find_pipe_material(const std::vector<PipeData>& table, std::string_view mat) {

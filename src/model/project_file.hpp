@@ -27,11 +27,12 @@ bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& fil
 bool read_vdf_text(RunContext& ctx, Project& project, std::string_view bytes, const ImportIndex* import = nullptr,
                    int* faults = nullptr);
 
-// The whole project as file bytes (Windows-1252 text, CR LF line ends).
+// The whole project as file bytes (Windows-1252 text, CR LF line ends). A
+// text that cannot be written whole raises a Fault.
 std::string WriteVdf(RunContext& ctx, const Project& project);
-// Writes the project to a temporary file beside the target and renames it over
-// the target, so a failed write leaves the old file as it was. On failure the
-// message "Error writing file = ..." is told and false returned.
+// Writes the project in place of the file (replace_file: through a symbolic
+// link, keeping the mode, the old file untouched on a failure). On failure the
+// message "Error writing file = ..." naming the file is told and false returned.
 bool save_vdf(RunContext& ctx, const Project& project, const std::filesystem::path& file);
 
 // Changes that bring the records of an older file up to date (version as a number, e.g. 2.1).

@@ -323,6 +323,8 @@ struct PipeSize {
     std::string name;
     double OD = 0.0;
     std::array<double, kPipeSchedules + 1> ID{};
+
+    bool operator==(const PipeSize&) const = default;
 };
 
 struct PipeData {
@@ -336,6 +338,8 @@ struct PipeData {
     std::string UNITS;                                    // unit of the diameters
     std::array<std::string, kPipeSchedules + 1> SCH;
     std::array<PipeSize, kPipeSizes + 1> DIA;
+
+    bool operator==(const PipeData&) const = default;
 };
 
 // Working state of the pipe, valve and orifice calculators: a copy of the

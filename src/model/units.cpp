@@ -77,14 +77,26 @@ std::string without(std::string_view s, std::string_view drop) {
     return r;
 }
 
+// An entry rewritten in file form: the number its text starts with (number,
+// when one) with a decimal point; an entry that does not start with a finite
+// number stays as it stands, so that the checks before a run show it and
+// refuse it.
+std::string file_form(const std::string& entry, std::optional<double> number) {
+    return number && std::isfinite(*number) ? number_text(*number) : entry;
+}
+
 // One number entry of a case string in the given mode; ff and ft are the
 // factors of the two units (used for digits >= 0).
 std::string convert_entry(const std::string& entry, double ff, double ft, int digits) {
-    if (digits == kReadFileNumbers) return number_text(leading_number(without(entry, ",")));
+    if (digits == kReadFileNumbers) return file_form(entry, leading_number_of(without(entry, ",")));
     if (digits == kReadEuropeanNumbers) {
         std::string t = without(entry, " .");
         std::replace(t.begin(), t.end(), ',', '.');
-        return number_text(leading_number(t));
+        return file_form(entry, leading_number_of(t));
+    }
+    if (digits == kWriteFileNumbers) {
+        const auto v = read_locale_number(entry);
+        return file_form(entry, v ? v : leading_number_of(entry));
     }
     const double v = read_display_number(entry);
     if (digits < 0) return number_text(v);

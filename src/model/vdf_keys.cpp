@@ -332,10 +332,23 @@ class KeyTable {
 public:
     explicit KeyTable(std::vector<KeyDef<R>> keys) : keys_(std::move(keys)) {}
     bool knows(std::string_view key) const { return find(key) != nullptr; }
+    std::vector<std::string_view> names() const {
+        std::vector<std::string_view> out;
+        for (const auto& k : keys_) out.push_back(k.key);
+        return out;
+    }
     void read(ReadState& st, R& rec, std::string_view key) const {
         const KeyDef<R>* k = find(key);
         if (k->read) k->read(st, rec);
         else read_slots(st, k->slots, rec);
+    }
+    // Visits each text slot (Text, Fixed, Notes, Case) of the record, with its key and kind.
+    template <class F>
+    void each_text(const R& rec, F&& visit) const {
+        R& r = const_cast<R&>(rec);  // the accessors take a mutable record; only read here
+        for (const KeyDef<R>& k : keys_)
+            for (const Slot<R>& sl : k.slots)
+                if (sl.s) visit(k.key, sl.kind, *sl.s(r));
     }
     void write(LineWriter& lw, const R& rec) const {
         for (const KeyDef<R>& k : keys_) {
@@ -378,6 +391,23 @@ public:
             for (std::size_t i = 1; i < v.size(); ++i) v[i] = v[0];
     }
     bool knows(std::string_view key) const override { return keys_.knows(key); }
+    std::vector<std::string_view> keys() const override { return keys_.names(); }
+    std::size_t record_bytes(const Project& p) const override {
+        const auto& v = p.*vec_;
+        std::size_t bytes = sizeof(R);
+        if (!v.empty()) keys_.each_text(v[0], [&](const char*, Kind, const std::string& t) { bytes += t.capacity(); });
+        return bytes;
+    }
+    void each_case_text(const Project& p, const CaseTextVisitor& visit) const override {
+        const auto& v = p.*vec_;
+        for (std::size_t i = 1; i < v.size(); ++i) {
+            std::string_view tag;
+            if constexpr (requires { v[i].NAME; }) tag = v[i].NAME[1];
+            keys_.each_text(v[i], [&](const char* key, Kind kind, const std::string& t) {
+                if (kind == Kind::Case || kind == Kind::CaseMode) visit(static_cast<int>(i), tag, key, t);
+            });
+        }
+    }
     void read_key(ReadState& st, Project& p, int index, std::string_view key) const override {
         keys_.read(st, (p.*vec_)[static_cast<std::size_t>(index)], key);
     }
@@ -411,6 +441,7 @@ public:
     int count(const Project&) const override { return 0; }
     void set_count(Project&, int) const override {}
     bool knows(std::string_view key) const override { return keys_.knows(key); }
+    std::vector<std::string_view> keys() const override { return keys_.names(); }
     void read_key(ReadState& st, Project& p, int, std::string_view key) const override { keys_.read(st, p.gen, key); }
     void write(ItemWriter& w, RunContext& ctx, const Project& p) const override {
         LineWriter lw{w, ctx, "\\GEN", 0};
@@ -429,9 +460,12 @@ public:
     int count(const Project&) const override { return 0; }
     void set_count(Project&, int) const override {}
     bool knows(std::string_view key) const override {
-        for (const char* k : {"PIPEI", "PIPEOA", "PIPEOB", "VALVEI", "VALVEO", "FOI", "FOO", "PIPEO"})
+        for (std::string_view k : keys())
             if (key == k) return true;
         return false;
+    }
+    std::vector<std::string_view> keys() const override {
+        return {"PIPEI", "PIPEOA", "PIPEOB", "VALVEI", "VALVEO", "FOI", "FOO", "PIPEO"};
     }
     void read_key(ReadState& st, Project& p, int, std::string_view key) const override {
         const std::string raw = st.in.rest_of_line();

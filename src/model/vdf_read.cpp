@@ -1,6 +1,7 @@
 // Reading a project file: a version line, then record lines of section,
 // index, key and values. Faults in single lines are told and the line is
 // skipped; a run-time error ends the reading.
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -15,9 +16,17 @@ namespace velm {
 
 namespace {
 
-// Record counts above this cannot come from a real project; a NUM line asking
-// for more is a fault of the file, not a reason to exhaust memory.
-constexpr int kMaxRecords = 1000000;
+// The most records a NUM line may ask for: what fits in the memory a project
+// may take (RunContext::max_project_bytes) beside the records already read.
+// A count above it is a fault of the file, not a reason to exhaust memory.
+int max_records(const RunContext& ctx, const Project& p, const SectionIO& section) {
+    std::size_t others = 0;
+    for (const SectionIO* s : vdf_sections())
+        if (s != &section && s->count(p) > 0) others += static_cast<std::size_t>(s->count(p)) * s->record_bytes(p);
+    if (others >= ctx.max_project_bytes) return 0;
+    const std::size_t room = (ctx.max_project_bytes - others) / std::max<std::size_t>(section.record_bytes(p), 1);
+    return static_cast<int>(std::min<std::size_t>(room, 1000000));
+}
 
 enum class Verdict { Read, Skipped };
 
@@ -42,8 +51,8 @@ struct Reader {
 
     void unknown_section(int line, const std::string& item) {
         const std::string rest = in.rest_of_line();
-        fault("Line = " + std::to_string(line) + " ignored : Equipment type not recognized. Input = " + item +
-              "\r\nLine discarded = " + rest);
+        fault("Line = " + std::to_string(line) + " ignored : Equipment type not recognized. Input = " +
+              shown_text(item) + "\r\nLine discarded = " + shown_text(rest));
     }
 
     void record_line(int line, const std::string& section_item, int chosen_mode) {
@@ -81,7 +90,7 @@ struct Reader {
         if (!section->knows(key)) {
             in.rest_of_line();
             fault("Line = " + std::to_string(line) + " ignored : Key for equipment " + section_name +
-                  " not recognized. Input = " + key);
+                  " not recognized. Input = " + shown_text(key));
             return;
         }
         ReadState st{in, ctx, chosen_mode};
@@ -90,10 +99,11 @@ struct Reader {
 
     void read_count(int line, const SectionIO& section, const std::string& section_name) {
         const int n = in.integer();
-        if (n < 0 || n > kMaxRecords) {
+        const int most = max_records(ctx, project, section);
+        if (n < 0 || n > most) {
             in.rest_of_line();
             fault("Line = " + std::to_string(line) + " ignored : Equipment number for " + section_name +
-                  " exceeds maximum/minimum. Input = " + std::to_string(n) + " vs " + std::to_string(kMaxRecords));
+                  " exceeds maximum/minimum. Input = " + std::to_string(n) + " vs " + std::to_string(most));
             return;
         }
         section.set_count(project, n);

@@ -3,6 +3,7 @@
 // reader and the writer both walk these tables, so a key is described once.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,11 @@ struct KeyDef {
     bool written = true;  // false: a key of old files, read only
 };
 
+// Called for each case string of a record: its record number, its tag
+// (NAME[1], "" for a kind without one), the key of its line and its text.
+using CaseTextVisitor =
+    std::function<void(int index, std::string_view tag, std::string_view key, std::string_view text)>;
+
 // A section of records of one kind (element 0 the template).
 class SectionIO {
 public:
@@ -81,8 +87,14 @@ public:
     // Sets the count from a NUM line, growing the array from the template.
     virtual void set_count(Project& p, int n) const = 0;
     virtual bool knows(std::string_view key) const = 0;
+    // Every key the section reads, NUM aside.
+    virtual std::vector<std::string_view> keys() const = 0;
     virtual void read_key(ReadState& st, Project& p, int index, std::string_view key) const = 0;
     virtual void write(ItemWriter& w, RunContext& ctx, const Project& p) const = 0;
+    // Memory one more record of the section takes: its size and its template's texts.
+    virtual std::size_t record_bytes(const Project&) const { return 0; }
+    // Visits the case strings of the records in use (1..N).
+    virtual void each_case_text(const Project&, const CaseTextVisitor&) const {}
 };
 
 // The sections in the order they are written: \GEN first, \PIPEDATA last.

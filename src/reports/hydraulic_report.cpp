@@ -182,7 +182,7 @@ void WriteHydrReport(RunContext& ctx, const Project& p, int case_ix, const std::
         ReportPageHead(out, head, "WARNINGS & ERRORS", "");
         warnings_section(ctx.case_warnings, out);
     }
-    if (!append_text(ctx.run_file(file), out.str()))
+    if (!ctx.append_run_file(file, out.str()))
         ctx.log_error("Error! In WriteHydrReport = 75 : Path/File access error");
 }
 

@@ -11,6 +11,7 @@
 #include "model/number_format.hpp"
 #include "reports/hydraulic_report.hpp"
 #include "solver/checks.hpp"
+#include "solver/input_checks.hpp"
 #include "solver/network.hpp"
 #include "solver/properties.hpp"
 #include "solver/results.hpp"
@@ -152,6 +153,7 @@ RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
         restore_all_colors(p);
         ctx.log_error("Check input.");
         CheckConnectivity(p, msg);
+        if (msg.empty()) msg = check_input_values(p);
         if (!msg.empty()) {
             title = kNotReached;
         } else {
@@ -163,8 +165,8 @@ RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
     } catch (const Fault& f) {
         ctx.log_error("Error! In Hydr_Sim = " + fault_text(f));
     }
-    append_line(ctx.run_file("resulth.rtf"), "End of file }");
-    append_line(ctx.run_file("resultm.rtf"), "End of file }");
+    ctx.append_run_file("resulth.rtf", "End of file }\r\n");
+    ctx.append_run_file("resultm.rtf", "End of file }\r\n");
     ctx.log_error(msg);
     ctx.run_active = false;
     result.title = title;

@@ -87,8 +87,6 @@ struct PropertySearch {
 };
 
 int property_search(RunContext& ctx, const FlashSetup& fs, FlashStream& s, FlashWork& w, const PropertySearch& ps) {
-    constexpr double kTmin = 50.0;
-    constexpr double kTmax = 5000.0;
     return trapped(ctx, ps.error, [&]() -> int {
         double T0 = s.T;
         if (T0 == 0.0 || !fs.MFLASHR) T0 = kFlashStartT;
@@ -108,7 +106,7 @@ int property_search(RunContext& ctx, const FlashSetup& fs, FlashStream& s, Flash
                 rounds_out = false;
                 break;
             }
-            if (T0 > kTmax || T0 < kTmin) {
+            if (T0 > kPropertySearchTmax || T0 < kPropertySearchTmin) {
                 log_stream(ctx, ps.out_of_range, s);
                 rounds_out = false;
                 break;

@@ -31,6 +31,11 @@ int FlashPF(RunContext& ctx, const FlashSetup& setup, FlashStream& s);
 // when MFLASHR is off or P is below 0.01). On failure the stream is restored.
 int FlashTF(RunContext& ctx, const FlashSetup& setup, FlashStream& s);
 
+// The temperature range of the PH and PS searches, K. A search that leaves it
+// logs so and ends there, with its last temperature outside the range.
+inline constexpr double kPropertySearchTmin = 50.0;
+inline constexpr double kPropertySearchTmax = 5000.0;
+
 // Temperature and split at the given P and enthalpy H (kJ/kg), searched in
 // 50..5000 K; H is left exactly as given. A pure component between its liquid
 // and vapour enthalpy settles at its boiling point with LF by the lever rule.

@@ -116,7 +116,13 @@ TEST(Units, ConvertingCaseStrings) {
         {"1,000.5", "", "", kReadFileNumbers, "1000.5"},
         {"1,000.5", "", "", kReadEuropeanNumbers, "1.0005"},
         {"1 234,5", "", "", kReadEuropeanNumbers, "1234.5"},
-        {"12.5kPa;abc", "", "", kReadFileNumbers, "12.5;0"},
+        // A number too small for a double is 0; text that does not start with
+        // a finite number is kept as it stands, for the checks before a run
+        // to refuse, and is written back so.
+        {"12.5kPa;abc", "", "", kReadFileNumbers, "12.5;abc"},
+        {"1e-400;-1E-999;nan;1e400", "", "", kReadFileNumbers, "0;-0;nan;1e400"},
+        {"nan;1e400;2,5", "", "", kReadEuropeanNumbers, "nan;1e400;2.5"},
+        {"nan;abc;1e400", "", "", kWriteFileNumbers, "nan;abc;1e400"},
     };
     for (const auto& r : rows) {
         Fixture f;
