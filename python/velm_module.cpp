@@ -15,6 +15,7 @@
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "solver/run.hpp"
+#include "thermo/components.hpp"
 #include "thermo/flash.hpp"
 
 namespace py = pybind11;
@@ -194,6 +195,58 @@ py::dict table_dict(const LineTable& t) {
 
 py::dict line_results(const PyProject& pp) { return table_dict(line_table(pp.p)); }
 
+// One flash of the own engine with the project's methods: components by
+// library name, mole fractions, the type (1 TP, 2 PF, 3 PH, 4 PS,
+// 5 TF) and its values in K, kPa absolute, liquid weight fraction, kJ/kg,
+// kJ/kg/K. The stream's fields come back by name; a failed flash is an error
+// with the program's words.
+py::dict flash(const PyProject& pp, const std::vector<std::string>& components, const std::vector<double>& z, int ft,
+               double T, double P, double LF, double H, double S) {
+    std::vector<std::string> told;
+    Told ui(told);
+    RunContext ctx(ui);
+    ctx.run_active = true;
+    FlashSetup setup;
+    flash_methods(pp.p.gen, setup);
+    CompLibrary lib;
+    lib.mflash = setup.MFLASH;
+    std::vector<int> ids{0};
+    for (const std::string& c : components) {
+        const int number = comp_number_by_name(ctx, lib, c);
+        if (number == 0) throw std::invalid_argument("no component " + c + " in the library");
+        ids.push_back(number);
+    }
+    if (z.size() != components.size() || ids.size() > static_cast<std::size_t>(kMaxComps) + 1)
+        throw std::invalid_argument("one mole fraction for each component, at most 30 components");
+    ids.push_back(0);
+    GetCompData(ctx, lib, ids, setup.comps, setup.kij);
+    setup.ids.assign(ids.begin(), ids.end() - 1);
+    FlashStream s;
+    s.NAME = "1";
+    s.FT = ft;
+    s.T = T;
+    s.P = P;
+    s.LF = LF;
+    s.H = H;
+    s.S = S;
+    for (std::size_t i = 0; i < z.size() && i < static_cast<std::size_t>(kMaxComps); ++i) s.Z[i + 1] = z[i];
+    flash_search_start(s);
+    if (!Flash(ctx, setup, s)) throw std::runtime_error(ctx.run_log_text);
+    py::dict d;
+    for (const auto& [key, value] :
+         std::initializer_list<std::pair<const char*, double>>{{"T", s.T}, {"P", s.P}, {"LF", s.LF}, {"VF", s.VF},
+                                                                {"H", s.H}, {"S", s.S}, {"TOTMW", s.TOTMW},
+                                                                {"LIQDEN", s.LIQDEN}, {"LIQVISC", s.LIQVISC},
+                                                                {"LIQSUR", s.LIQSUR}, {"VAPDEN", s.VAPDEN},
+                                                                {"VAPVISC", s.VAPVISC}, {"VAPZ", s.VAPZ}})
+        d[key] = value;
+    const auto over = [&](const Comps& x) { return std::vector<double>(x.begin() + 1, x.begin() + 1 + z.size()); };
+    d["Z"] = over(s.Z);
+    d["X"] = over(s.X);
+    d["Y"] = over(s.Y);
+    return d;
+}
+
 // One run of every case; the GIL is released while the engine works.
 py::dict run_project(PyProject& pp, int max_iter, double tolerance, const std::string& solver,
                      const std::string& out_dir) {
@@ -247,7 +300,9 @@ PYBIND11_MODULE(_velm, m) {
         .def("line_results", &line_results)
         .def("run", &run_project, py::arg("max_iter") = 0, py::arg("tolerance") = 0.0,
              py::arg("solver") = "successive", py::arg("out_dir") = ".")
-        .def("get", &key_items, py::arg("section"), py::arg("name"), py::arg("key"));
+        .def("get", &key_items, py::arg("section"), py::arg("name"), py::arg("key"))
+        .def("flash", &flash, py::arg("components"), py::arg("z"), py::arg("ft"), py::arg("T"), py::arg("P"),
+             py::arg("LF"), py::arg("H"), py::arg("S"));
     m.def("open", &open_project, py::arg("path"));
     m.def("from_bytes", [](const py::bytes& b) { return read_project(std::string(b), "project"); });
     m.def("new", &new_project);

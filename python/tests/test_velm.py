@@ -106,3 +106,16 @@ def test_a_study_on_a_pool_and_on_dask_gives_the_sequential_results():
         k = c["case"]
         assert on_pool[k].equals(expected[k]), k
         assert on_dask[k].equals(expected[k]), k
+
+
+def test_a_flash_gives_what_the_command_line_flash_gives():
+    import json
+    out = subprocess.run([str(VELM_EXE), "flash", "--comp", "methane,propane", "--z", "0.6,0.4", "--type", "PF",
+                          "--P", "3000", "--LF", "0", "--json"], check=True, capture_output=True, text=True).stdout
+    expected = json.loads(out)
+    got = velm.new().flash(["methane", "propane"], [0.6, 0.4], "PF", P=3000, LF=0)
+    for key in ("T", "P", "LF", "VF", "H", "S", "VAPDEN"):
+        assert got[key] == expected[key], key
+    assert got["Y"] == expected["Y"]
+    with pytest.raises(velm.InputError, match="no component unobtainium"):
+        velm.new().flash(["unobtainium"], [1.0])

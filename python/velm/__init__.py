@@ -145,6 +145,18 @@ class Project:
         except ValueError as e:
             raise InputError(str(e)) from None
 
+    _FLASH_TYPES = {"TP": 1, "PF": 2, "PH": 3, "PS": 4, "TF": 5}
+
+    def flash(self, components, z, type="TP", T=0.0, P=0.0, LF=0.0, H=0.0, S=0.0):
+        """One flash of the own engine with the project's methods: T in K, P in
+        kPa absolute, LF the liquid weight fraction, H kJ/kg, S kJ/kg/K; a value
+        the type does not fix is the start of its search. Returns the stream's
+        fields (T, P, LF, VF, H, S, densities, viscosities, Z, X, Y)."""
+        try:
+            return self._core.flash(list(components), list(z), self._FLASH_TYPES[type.upper()], T, P, LF, H, S)
+        except (ValueError, KeyError) as e:
+            raise InputError(str(e)) from None
+
     def save(self, path):
         self._core.save(str(path))
 
