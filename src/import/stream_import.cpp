@@ -177,10 +177,11 @@ double internal_value(RunContext& ctx, const Column& c, double v, double patm) {
     return convert_value(ctx, v, c.unit, internal);
 }
 
+// One row of a CSV table; a comma that ends the text leaves an empty cell.
 std::vector<std::string> csv_row(ItemReader& in) {
     std::vector<std::string> row;
-    do row.push_back(in.item());
-    while (!in.line_ended());
+    do row.push_back(in.rest_blank() ? std::string() : in.item());
+    while (!in.line_ended() && !in.rest_blank());
     return row;
 }
 

@@ -31,6 +31,10 @@ bool ItemReader::at_end() {
     }
 }
 
+bool ItemReader::rest_blank() const {
+    return s_.find_first_not_of(" \t", pos_) == std::string_view::npos;
+}
+
 std::string ItemReader::item() {
     skip_blanks();
     // An item that would start at a line end right after a completed line

@@ -24,6 +24,8 @@ public:
     int line() const { return line_; }
     // True when the last item ended its line (or the file).
     bool line_ended() const { return line_ended_; }
+    // Nothing but blanks remains of the text.
+    bool rest_blank() const;
 
     // Typed reads of the next item. An empty item reads as 0; a text that is
     // not a number raises "Type mismatch" (13) naming the line and the item;

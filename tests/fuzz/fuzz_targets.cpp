@@ -24,6 +24,7 @@
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "model/vdf_schema.hpp"
+#include "import/stream_import.hpp"
 #include "solver/run.hpp"
 #include "thermo/components.hpp"
 #include "thermo/flash.hpp"
@@ -277,15 +278,37 @@ void run(std::string_view bytes) {
     Hydr_Sim(r.ctx, r.p);
 }
 
+// A stream file imported into three lines (one by its stream name, one by its
+// own name, one locked). The first byte picks the file's form and the choices.
+// An import that refuses the file changes nothing.
+void streams(std::string_view bytes) {
+    ByteSource in{bytes};
+    const auto choice = in.take<std::uint8_t>();
+    Reading r(kReadBytes, false);
+    r.ctx.data_dir = scratch() / "streams";
+    std::filesystem::create_directories(r.ctx.data_dir);
+    for (const char* n : {"L-1", "L-2", "L-3"}) {
+        r.p.lines.push_back(r.p.lines[0]);
+        r.p.lines.back().NAME[1] = n;
+    }
+    r.p.lines[1].STRM = "FEED";
+    r.p.lines[3].LOCK = -1;
+    const auto file = scratch() / ((choice & 1) != 0 ? "streams.csv" : "streams.vdf");
+    write_file(file, in.bytes);
+    const std::string before = WriteVdf(r.ctx, r.p);
+    const ImportChoices choices{(choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
+    if (!import_streams(r.ctx, r.p, file, choices))
+        require(WriteVdf(r.ctx, r.p) == before, "a refused import changes nothing");
+}
+
 }  // namespace
 
 const std::vector<TargetInfo>& targets() {
-    // The settings file and the stream-import files get their harnesses here
-    // when their readers exist.
+    // The settings file gets its harness here when its reader exists.
     static const std::vector<TargetInfo> all = {
         {"vdf", vdf},         {"vdf_roundtrip", vdf_roundtrip}, {"vdf_import", vdf_import}, {"pipelib", pipelib},
         {"propa", propa},     {"prophys", prophys},             {"propkij", propkij},       {"numbers", numbers},
-        {"flash", flash},     {"run", run},
+        {"flash", flash},     {"run", run},                     {"streams", streams},
     };
     return all;
 }

@@ -160,6 +160,13 @@ TEST(StreamImport, BadFilesChangeNothing) {
     }
 }
 
+// A comma that ends the file leaves an empty last cell: the row imports.
+TEST(StreamImport, ACommaAtTheEndOfTheFileIsAnEmptyCell) {
+    Importer im("comma");
+    ASSERT_TRUE(import_streams(im.ctx, im.p, im.file("s.csv", "Stream,T [C],P [barg]\r\nFEED GAS,35,"), {true, false, false}));
+    EXPECT_EQ(im.p.lines[1].TEMP[1], 35.0);
+}
+
 // Another project's records land in the records of the same names, every key.
 TEST(StreamImport, ProjectImportTakesRecordsByName) {
     Importer im("project");
