@@ -295,6 +295,7 @@ PYBIND11_MODULE(_velm, m) {
     m.doc() = "The engine of Velm Hydraulics: projects, runs and line results.";
     py::class_<PyProject>(m, "Project")
         .def("save", &save_project, py::arg("path"))
+        .def("copy", [](const PyProject& p) { return p; })
         .def("bytes", [](const PyProject& p) { return py::bytes(project_bytes(p)); })
         .def("apply", &apply_lines, py::arg("lines"))
         .def("line_results", &line_results)

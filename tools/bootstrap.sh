@@ -4,8 +4,8 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
           libsuitesparse-dev)
-# The Python module and its tests: pybind11, pandas, Dask's distributed, pytest (Debian's own).
-packages+=(python3 python3-dev pybind11-dev python3-pandas python3-distributed python3-pytest)
+# The Python module and its tests: pybind11, pandas, Dask's distributed, pytest, tqdm (Debian's own).
+packages+=(python3 python3-dev pybind11-dev python3-pandas python3-distributed python3-pytest python3-tqdm)
 # clang with its libFuzzer and sanitizer runtimes: the fuzz harnesses (tools/fuzz.sh).
 packages+=(clang libclang-rt-dev)
 if [ "${1:-}" = "--tools" ]; then

@@ -9,6 +9,7 @@ core or on a Dask cluster.
     r.lines            # one row a line, columns with their display units
 """
 
+import functools
 import json
 import os
 import tempfile
@@ -122,8 +123,16 @@ class Result:
         self.warnings = [w for c in raw["cases"] for w in c["warnings"]]
         self.title = raw["title"]
         self.message = raw["message"]
-        self.case_lines = {c["case"]: pd.DataFrame(c["lines"]).set_index("name") for c in raw["cases"]}
-        self.lines = pd.DataFrame(lines).set_index("name")
+        self._lines = lines
+
+    # The tables are built when first asked for: a study reads one of them.
+    @functools.cached_property
+    def case_lines(self):
+        return {c["case"]: pd.DataFrame(c["lines"]).set_index("name") for c in self.cases}
+
+    @functools.cached_property
+    def lines(self):
+        return pd.DataFrame(self._lines).set_index("name")
 
     def to_json(self):
         return json.dumps({"converged": self.converged, "cases": self.cases, "title": self.title,
@@ -159,6 +168,10 @@ class Project:
 
     def save(self, path):
         self._core.save(str(path))
+
+    def copy(self):
+        """An independent copy of the project, made without writing and reading it."""
+        return Project(self._core.copy())
 
     def to_bytes(self):
         return self._core.bytes()
