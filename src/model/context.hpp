@@ -50,7 +50,7 @@ enum class LinearSolver { Auto, Reference, Klu };
 
 // The memory a project read from a file may take in records: far above any
 // plant network, far below what would exhaust a machine.
-inline constexpr std::size_t kMaxProjectBytes = std::size_t{256} << 20;
+inline constexpr std::size_t kMaxProjectBytes = std::size_t{2} << 30;
 
 // The run log buffer reaches the disk once it holds this many characters.
 inline constexpr std::size_t kRunLogFlushChars = 30000;
