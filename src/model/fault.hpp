@@ -36,6 +36,13 @@ inline double checked(double v) {
     raise_fault(std::isnan(v) ? kFaultInvalidCall : kFaultOverflow);
 }
 
+// A number taken as a whole number, the fraction cut off; Overflow when it
+// does not fit an int (NaN included).
+inline int checked_int(double v) {
+    if (v > -2147483649.0 && v < 2147483648.0) return static_cast<int>(v);
+    raise_fault(kFaultOverflow);
+}
+
 // The sign of v: -1, 0 or 1.
 constexpr double sgn(double v) { return v > 0.0 ? 1.0 : (v < 0.0 ? -1.0 : 0.0); }
 

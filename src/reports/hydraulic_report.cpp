@@ -6,6 +6,7 @@
 
 #include "model/case_data.hpp"
 #include "model/context.hpp"
+#include "model/fault.hpp"
 #include "model/number_format.hpp"
 #include "model/text.hpp"
 #include "reports/hydraulic_sections.hpp"
@@ -130,7 +131,7 @@ std::tm local_now() {
 }  // namespace
 
 int report_mask(const Header& gen, int case_no) {
-    const int code = static_cast<int>(leading_number(getting_case_data(gen.CASERPT, case_no)));
+    const int code = checked_int(leading_number(getting_case_data(gen.CASERPT, case_no)));
     if (code == 0) return kAllSections;
     if (code == -1) return 0;
     return code & kAllSections;

@@ -5,6 +5,7 @@
 #include "model/case_data.hpp"
 #include "model/text.hpp"
 #include "model/vdf_schema.hpp"
+#include "reports/hydraulic_report.hpp"
 
 namespace velm {
 
@@ -23,6 +24,20 @@ std::string check_case_list(const std::string& list) {
         if (!v || *v != std::floor(*v) || *v < 1 || *v > kMaxCases)
             return "Error! CASENO = \"" + shown_text(list) + "\": case \"" + shown_text(entry) +
                    "\" is not a case number from 1 to " + std::to_string(kMaxCases) + ".";
+    }
+    return "";
+}
+
+// CASERPT: the report code of each case, -1 (heading only), 0 (all
+// sections) or a mask of the sections (kAllSections at most).
+std::string check_report_codes(const std::string& list) {
+    const int n = case_count(list);
+    for (int i = 1; i <= n; ++i) {
+        const std::string entry = getting_case_data(list, i);
+        const double code = leading_number(entry);
+        if (!(code >= -1 && code <= kAllSections))
+            return "Error! CASERPT = \"" + shown_text(list) + "\": \"" + shown_text(entry) +
+                   "\" is not a report code from -1 to " + std::to_string(kAllSections) + ".";
     }
     return "";
 }
@@ -102,8 +117,9 @@ std::string check_levels(const std::vector<R>& v, const char* word) {
 }  // namespace
 
 std::string check_input_values(const Project& p) {
-    for (const std::string& msg : {check_case_list(p.gen.CASENO), check_case_strings(p), check_lines(p),
-                                   check_levels(p.feeds, "Feed "), check_levels(p.prods, "Product ")})
+    for (const std::string& msg : {check_case_list(p.gen.CASENO), check_report_codes(p.gen.CASERPT),
+                                   check_case_strings(p), check_lines(p), check_levels(p.feeds, "Feed "),
+                                   check_levels(p.prods, "Product ")})
         if (!msg.empty()) return msg;
     return "";
 }

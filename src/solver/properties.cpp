@@ -211,7 +211,7 @@ void refresh_boundary(RunContext& ctx, Project& p, B& b, int case_no, bool is_fe
 void level_density_from_line(const Project& p, const Vessel& v, const std::string& link, double& rho) {
     const std::string t = trim(link);
     if (t.size() < 5) return;
-    const int n = static_cast<int>(leading_number(t.substr(4)));
+    const int n = checked_int(leading_number(t.substr(4)));
     if (n < 1 || n > kNozzles) return;
     const bool outlet = upper(t.substr(0, 4)) == "NOZO";
     const int line = (outlet ? v.NOZO : v.NOZI)[static_cast<std::size_t>(n)].CON;

@@ -109,13 +109,16 @@ TEST(VdfBadInput, ImpossibleValuesAreRefusedBeforeARun) {
          "Error! \\PIPE 1 L-101, TFLOW = \"1e400\": \"1E400\" is not a number."},
         {"\"\\FEED\",1,\"LEVEL\",\"2;-1\",\"m\",0,\"kg/m3\",\"Line\"",
          "Error! Feed TK-1, LEVEL = \"2;-1\" is below 0 m."},
+        {"\"\\GEN\",0,\"CASERPT\",\"0;4e75\"",
+         "Error! CASERPT = \"0;4e75\": \"4e75\" is not a report code from -1 to 16383."},
+        {"\"\\GEN\",0,\"CASERPT\",\"-2\"", "Error! CASERPT = \"-2\": \"-2\" is not a report code from -1 to 16383."},
     };
     for (const Row& r : rows) {
         Read rd(head + r.line + "\r\n");
         ASSERT_TRUE(rd.ok && rd.faults == 0) << r.line;
         EXPECT_EQ(check_input_values(rd.p), r.message) << r.line;
     }
-    Read fine(head + "\"\\GEN\",0,\"CASENO\",\"1;3;2\"\r\n\"\\PIPE\",1,\"TFLOW\",\"10;E;;v\",0,\"t/h\"\r\n");
+    Read fine(head + "\"\\GEN\",0,\"CASENO\",\"1;3;2\"\r\n\"\\GEN\",0,\"CASERPT\",\"-1;16383;\"\r\n\"\\PIPE\",1,\"TFLOW\",\"10;E;;v\",0,\"t/h\"\r\n");
     EXPECT_EQ(check_input_values(fine.p), "");
 }
 
