@@ -19,6 +19,8 @@
 #include "solver/input_checks.hpp"
 #include "solver/network.hpp"
 #include "solver/run.hpp"
+#include "thermo/components.hpp"
+#include "thermo/flash.hpp"
 
 namespace velm {
 
@@ -90,7 +92,7 @@ void print_line_table(RunContext& ctx, const Project& p) {
 
 }  // namespace
 
-bool load_project(RunContext& ctx, Project& p, const std::string& file) {
+bool load_project(RunContext& ctx, Project& p, const std::string& file, FlashSetup* flash) {
     if (!start_project(ctx, p)) return false;
     int faults = 0;
     if (!ReadVdf(ctx, p, file, nullptr, &faults)) {
@@ -109,6 +111,9 @@ bool load_project(RunContext& ctx, Project& p, const std::string& file) {
                   << " Nothing was run or written.\n";
         return false;
     }
+    estimate_missing_pseudos(ctx, p.pseudos);
+    FlashSetup components;
+    LoadFlashSetup(ctx, p, library_dir_from_environment(), flash != nullptr ? *flash : components);
     return true;
 }
 

@@ -31,14 +31,16 @@ struct RunOptions {
 
 struct Project;
 struct RunContext;
+struct FlashSetup;
 
 // Where run files go without --out: $XDG_DATA_HOME/velm, else ~/.local/share/velm.
 std::filesystem::path default_data_dir();
 
 // Reads the project for a command (with the pipe table of VELM_LIB or the
 // built-in one); a file with faulty lines or unknown custom units is refused
-// with its messages.
-bool load_project(RunContext& ctx, Project& p, const std::string& file);
+// with its messages. The project's components are read from the libraries
+// (pseudo components without an estimated set get one), into flash when given.
+bool load_project(RunContext& ctx, Project& p, const std::string& file, FlashSetup* flash = nullptr);
 // Saves and says so; 0, or 2 when the file could not be written.
 int save_project(RunContext& ctx, const Project& p, const std::string& file);
 

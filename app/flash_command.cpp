@@ -7,11 +7,13 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "app/commands.hpp"
 #include "app/console.hpp"
 #include "model/number_format.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
+#include "thermo/components.hpp"
 #include "thermo/flash.hpp"
 #include "thermo/flash_algorithms.hpp"
 
@@ -74,17 +76,34 @@ bool is_digits(const std::string& s) {
     return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// The library number of a name (any case) or of a number written out; 0 when
-// the library has no such component.
-int component_number(const std::vector<std::string>& names, const std::string& entry) {
+// The components a flash can name: the library's, and a project's pseudo
+// components (numbers from 9001).
+struct ComponentNames {
+    std::vector<std::string> library;  // library[k]: the name of number k
+    std::vector<CompProp> pseudo;      // pseudo[k]: pseudo component 9000 + k
+
+    std::string name(int number) const {
+        if (number > kPseudoFirst) return trim(pseudo[static_cast<std::size_t>(number - kPseudoFirst)].Name);
+        return trim(library[static_cast<std::size_t>(number)]);
+    }
+};
+
+// The number of a name (any case) or of a number written out; 0 when there
+// is no such component.
+int component_number(const ComponentNames& names, const std::string& entry) {
+    const int count = static_cast<int>(names.library.size());
+    const int pseudos = static_cast<int>(names.pseudo.size());
     if (is_digits(entry)) {
         if (entry.size() > 6) return 0;
         const int k = std::stoi(entry);
-        return k >= 1 && k < static_cast<int>(names.size()) && !trim(names[k]).empty() ? k : 0;
+        if (k > kPseudoFirst && k - kPseudoFirst < pseudos) return k;
+        return k >= 1 && k < count && !trim(names.library[static_cast<std::size_t>(k)]).empty() ? k : 0;
     }
     const std::string wanted = upper(entry);
-    for (std::size_t k = 1; k < names.size(); ++k)
-        if (!names[k].empty() && upper(trim(names[k])) == wanted) return static_cast<int>(k);
+    for (int k = 1; k < count; ++k)
+        if (upper(names.name(k)) == wanted && !wanted.empty()) return k;
+    for (int k = 1; k < pseudos; ++k)
+        if (upper(names.name(kPseudoFirst + k)) == wanted && !wanted.empty()) return kPseudoFirst + k;
     return 0;
 }
 
@@ -92,7 +111,7 @@ int component_number(const std::vector<std::string>& names, const std::string& e
 // components separated by commas; since some library names hold commas
 // ("1,2-Dichloropropane"), the longest run of pieces that names a component
 // is taken first.
-std::vector<int> component_numbers(const std::vector<std::string>& names, const std::vector<std::string>& entries) {
+std::vector<int> component_numbers(const ComponentNames& names, const std::vector<std::string>& entries) {
     std::vector<int> ids;
     for (const std::string& entry : entries) {
         std::vector<std::string> pieces;
@@ -115,7 +134,7 @@ std::vector<int> component_numbers(const std::vector<std::string>& names, const 
             if (number == 0)
                 throw BadInput{"unknown component '" + pieces[first] + "'; 'velm components' lists the library."};
             if (std::find(ids.begin(), ids.end(), number) != ids.end())
-                throw BadInput{"component '" + trim(names[number]) + "' is given twice."};
+                throw BadInput{"component '" + names.name(number) + "' is given twice."};
             ids.push_back(number);
             first = last + 1;
         }
@@ -133,11 +152,14 @@ bool given(const FlashOptions& opt, const std::string& value) {
     return std::find(opt.given.begin(), opt.given.end(), value) != opt.given.end();
 }
 
-// The setup of a new project with the methods of the flags and the
-// components of --comp; the stream with the values the flash type needs.
+// The setup of a new project, or of --project, with the methods of the
+// flags and the components of --comp; the stream with the values the flash
+// type needs.
 void prepare(RunContext& ctx, const FlashOptions& opt, FlashSetup& setup, FlashStream& s) {
     Project project;
     NewProject(project);
+    if (!opt.project.empty() && !load_project(ctx, project, opt.project))
+        throw BadInput{"the project " + opt.project + " cannot be used."};
     flash_methods(project.gen, setup);
     if (!opt.kvalue.empty()) setup.MFLASHK = upper(opt.kvalue);
     if (!opt.enthalpy.empty()) setup.MFLASHH = upper(opt.enthalpy);
@@ -148,11 +170,13 @@ void prepare(RunContext& ctx, const FlashOptions& opt, FlashSetup& setup, FlashS
         if (!given(opt, value)) missing += (missing.empty() ? "--" : " and --") + std::string(value);
     if (!missing.empty()) throw BadInput{std::string("a ") + type.name + " flash needs " + missing + "."};
 
+    ComponentNames names;
+    names.pseudo = pseudo_sets(project);
     CompLibrary lib;
     lib.mflash = setup.MFLASH;
     lib.dir = library_dir_from_environment();
-    std::vector<std::string> names;
-    GetCompNames(ctx, lib, names);
+    lib.pseudo = names.pseudo;
+    GetCompNames(ctx, lib, names.library);
     const std::vector<int> ids = component_numbers(names, opt.comp);
     if (ids.size() > static_cast<std::size_t>(kMaxComps))
         throw BadInput{"at most " + std::to_string(kMaxComps) + " components can be flashed."};
@@ -306,6 +330,8 @@ ThermoCommands::ThermoCommands(CLI::App& app) {
         ->check(CLI::IsMember({"SRK", "ANTOINE"}, CLI::ignore_case));
     f->add_option("--enthalpy", flash_.enthalpy, "Enthalpy method: SRK, IDEAL or WS97")
         ->check(CLI::IsMember({"SRK", "IDEAL", "WS97"}, CLI::ignore_case));
+    f->add_option("--project", flash_.project,
+                  "A project file: its flash methods, and its pseudo components by name (PSEUDO_1) or number (9001)");
     f->add_flag("--json", flash_.json, "Print every field of the flashed stream as one JSON object");
 
     components_cmd_ = app.add_subcommand("components", "List the component library");

@@ -34,6 +34,7 @@ struct FlashOptions {
     std::vector<std::string> given;  // which of T, P, LF, H, S the command line set
     std::string kvalue;             // empty: the method of a new project
     std::string enthalpy;           // empty: the method of a new project
+    std::string project;            // a project whose methods and pseudo components the flash takes
     bool json = false;
 };
 

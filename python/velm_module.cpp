@@ -54,6 +54,11 @@ PyProject read_project(const std::string& bytes, const std::string& name) {
     int faults = 0;
     if (!read_vdf_text(ctx, out.p, bytes, nullptr, &faults) || faults > 0)
         throw std::invalid_argument(name + ": " + joined(out.told));
+    // The components of the project read as at every load; what they tell
+    // stays with the project.
+    estimate_missing_pseudos(ctx, out.p.pseudos);
+    FlashSetup components;
+    LoadFlashSetup(ctx, out.p, library_dir_from_environment(), components);
     return out;
 }
 
@@ -208,8 +213,10 @@ py::dict flash(const PyProject& pp, const std::vector<std::string>& components, 
     ctx.run_active = true;
     FlashSetup setup;
     flash_methods(pp.p.gen, setup);
+    const std::vector<CompProp> pseudo = pseudo_sets(pp.p);
     CompLibrary lib;
     lib.mflash = setup.MFLASH;
+    lib.pseudo = pseudo;
     std::vector<int> ids{0};
     for (const std::string& c : components) {
         const int number = comp_number_by_name(ctx, lib, c);

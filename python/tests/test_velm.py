@@ -124,3 +124,15 @@ def test_a_flash_gives_what_the_command_line_flash_gives():
     assert got["Y"] == expected["Y"]
     with pytest.raises(velm.InputError, match="no component unobtainium"):
         velm.new().flash(["unobtainium"], [1.0])
+
+
+def test_a_projects_pseudo_component_flashes_as_on_the_command_line(tmp_path):
+    import json
+    project = tmp_path / "pseudo.vdf"
+    project.write_bytes(b'"VELM_3.2"\r\n"\\PSEUDO",0,"NUM",1\r\n"\\PSEUDO",1,"NAME",9001,9001,"PSEUDO_1",""\r\n'
+                        b'"\\PSEUDO",1,"TBP",447.3,0,"K"\r\n"\\PSEUDO",1,"DENS",734,0,"kg/m3"\r\n')
+    out = subprocess.run([str(VELM_EXE), "flash", "--project", str(project), "--comp", "heptane,PSEUDO_1", "--z",
+                          "0.5,0.5", "--type", "PF", "--P", "101.325", "--LF", "1", "--json"],
+                         check=True, capture_output=True, text=True).stdout
+    got = velm.open(project).flash(["heptane", "pseudo_1"], [0.5, 0.5], "PF", P=101.325, LF=1)
+    assert got["T"] == json.loads(out)["T"]

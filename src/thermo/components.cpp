@@ -286,6 +286,8 @@ int comp_number_by_name(RunContext& ctx, const CompLibrary& lib, std::string_vie
     GetCompNames(ctx, lib, names);
     for (std::size_t k = 1; k < names.size(); ++k)
         if (upper(names[k]) == wanted) return static_cast<int>(k);
+    for (std::size_t k = 1; k < lib.pseudo.size(); ++k)
+        if (upper(trim(lib.pseudo[k].Name)) == wanted) return kPseudoFirst + static_cast<int>(k);
     return 0;
 }
 
@@ -549,14 +551,24 @@ CompProp estimate_pseudo(RunContext& ctx, const CompProp& in) {
     return out;
 }
 
+namespace {
+
+void estimate_set(RunContext& ctx, Pseudo& p) {
+    const CompProp est = estimate_pseudo(ctx, pseudo_half(p, 1));
+    set_pseudo_half(p, 2, est);
+    p.NAME_TEXT[2] = p.NAME_TEXT[1];
+    if (!trim(p.FOR[1]).empty()) p.FOR[2] = p.FOR[1];
+}
+
+}  // namespace
+
 void PseudoProps(RunContext& ctx, std::vector<Pseudo>& pseudos) {
-    for (std::size_t k = 1; k < pseudos.size(); ++k) {
-        Pseudo& p = pseudos[k];
-        const CompProp est = estimate_pseudo(ctx, pseudo_half(p, 1));
-        set_pseudo_half(p, 2, est);
-        p.NAME_TEXT[2] = p.NAME_TEXT[1];
-        if (!trim(p.FOR[1]).empty()) p.FOR[2] = p.FOR[1];
-    }
+    for (std::size_t k = 1; k < pseudos.size(); ++k) estimate_set(ctx, pseudos[k]);
+}
+
+void estimate_missing_pseudos(RunContext& ctx, std::vector<Pseudo>& pseudos) {
+    for (std::size_t k = 1; k < pseudos.size(); ++k)
+        if (pseudos[k].MW[2] == 0.0f && pseudos[k].TC[2] == 0.0f) estimate_set(ctx, pseudos[k]);
 }
 
 }  // namespace velm

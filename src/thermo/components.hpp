@@ -67,7 +67,8 @@ void GetComp(RunContext& ctx, const CompLibrary& lib, int num, CompProp& rec);
 void GetCompNames(RunContext& ctx, const CompLibrary& lib, std::vector<std::string>& names);
 
 // The number of the component of that name (compared without regard to case
-// or surrounding blanks), or 0 when the library has none.
+// or surrounding blanks): a library component, else a pseudo component of
+// lib.pseudo (9000 + its index); 0 when there is none.
 int comp_number_by_name(RunContext& ctx, const CompLibrary& lib, std::string_view name);
 
 // Sizes comps to CountComps(ids) + 1 and kij to a zeroed square of that size,
@@ -109,5 +110,9 @@ CompProp estimate_pseudo(RunContext& ctx, const CompProp& in);
 // Fills the estimated half (position 2) of pseudo components 1..N from their
 // entered half (position 1).
 void PseudoProps(RunContext& ctx, std::vector<Pseudo>& pseudos);
+
+// The same for each pseudo component that has no estimated set yet (a project
+// written by hand or by a script gives the entered set only).
+void estimate_missing_pseudos(RunContext& ctx, std::vector<Pseudo>& pseudos);
 
 }  // namespace velm

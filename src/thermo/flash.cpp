@@ -120,12 +120,17 @@ void flash_methods(const Header& gen, FlashSetup& setup) {
     setup.PATM = gen.PATM;
 }
 
+std::vector<CompProp> pseudo_sets(const Project& project) {
+    std::vector<CompProp> sets;
+    sets.reserve(project.pseudos.size());
+    for (const Pseudo& p : project.pseudos) sets.push_back(pseudo_half(p, 2));
+    return sets;
+}
+
 void LoadFlashSetup(RunContext& ctx, const Project& project, const std::filesystem::path& lib_dir,
                     FlashSetup& setup) {
     flash_methods(project.gen, setup);
-    std::vector<CompProp> pseudo;
-    pseudo.reserve(project.pseudos.size());
-    for (const Pseudo& p : project.pseudos) pseudo.push_back(pseudo_half(p, 2));
+    const std::vector<CompProp> pseudo = pseudo_sets(project);
     CompLibrary lib;
     lib.mflash = setup.MFLASH;
     lib.dir = lib_dir;

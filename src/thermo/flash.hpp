@@ -80,6 +80,10 @@ bool HysysStart(RunContext& ctx, const FlashSetup& setup, const std::filesystem:
 // Copies the methods of the header into setup.
 void flash_methods(const Header& gen, FlashSetup& setup);
 
+// The set in force of each pseudo component of the project, 1-based (element
+// 0 the template's), as GetComp reads them.
+std::vector<CompProp> pseudo_sets(const Project& project);
+
 // The flash setup of a project: its methods, and its components read from the
 // libraries (lib_dir empty: the built-in ones) with the estimated sets of its
 // pseudo components.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -129,6 +130,30 @@ TEST(FlashCli, BubbleAndDewPointsNeedNoStartValue) {
                                                found["P"].get<double>());
         EXPECT_NEAR(tp.VF + tp.Resid, r.target, 1e-3) << r.given;
     }
+}
+
+// A project's pseudo component takes part in the flash, by name or number,
+// with the set estimated from the boiling point and gravity it was given: a
+// pseudo component made from decane's boiling point and standard density
+// boils with heptane where decane itself does.
+TEST(FlashCli, AProjectsPseudoComponentTakesPartInTheFlash) {
+    const std::filesystem::path dir = fresh_dir("pseudo");
+    std::ofstream(dir / "pseudo.vdf", std::ios::binary)
+        << "\"VELM_3.2\"\r\n\"\\PSEUDO\",0,\"NUM\",1\r\n"
+           "\"\\PSEUDO\",1,\"NAME\",9001,9001,\"PSEUDO_1\",\"\"\r\n"
+           "\"\\PSEUDO\",1,\"TBP\",447.3,0,\"K\"\r\n\"\\PSEUDO\",1,\"DENS\",734,0,\"kg/m3\"\r\n";
+    const std::string bubble = " --z 0.5,0.5 --type PF --P 101.325 --LF 1";
+    const double decane = flash_json("--comp heptane,decane" + bubble)["T"].get<double>();
+    const std::string project = " --project " + (dir / "pseudo.vdf").string();
+    for (const char* comp : {"heptane,pseudo_1", "heptane,9001"}) {
+        const Json j = flash_json(std::string("--comp ") + comp + bubble + project);
+        ASSERT_TRUE(j.is_object()) << comp;
+        EXPECT_NEAR(j["T"].get<double>(), decane, 0.5) << comp;
+        EXPECT_NEAR(j["TOTMW"].get<double>(), (100.205 + 142.286) / 2, 0.02 * 121.2) << comp;
+    }
+    const Outcome without = velm("flash --comp heptane,pseudo_1" + bubble, dir);
+    EXPECT_EQ(without.status, 2);
+    EXPECT_NE(without.err.find("unknown component 'pseudo_1'"), std::string::npos) << without.text();
 }
 
 TEST(FlashCli, BadInputExitsTwoAndAFailedFlashOne) {
