@@ -11,6 +11,7 @@
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/file_replace.hpp"
+#include "model/number_format.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
@@ -90,6 +91,38 @@ void print_line_table(RunContext& ctx, const Project& p) {
     }
 }
 
+// The state of every line end after a balance: temperature, pressure, liquid
+// fraction by weight and enthalpy, in display units.
+void print_stream_table(RunContext& ctx, const Project& p) {
+    DisplayUnits u;
+    SetUnits(u, p.gen);
+    std::printf("\n%-12s", "Line");
+    for (const char* h : {"T in", "T out", "P in", "P out", "LF in", "LF out", "H in", "H out"}) print_cell(h, 10);
+    std::printf("\n%-12s", "");
+    for (const std::string& h : {u.temperature, u.temperature, u.pressure, u.pressure, std::string("wt"),
+                                  std::string("wt"), u.enthalpy, u.enthalpy})
+        print_cell(h, 10);
+    std::printf("\n");
+    for (std::size_t i = 1; i < p.lines.size(); ++i) {
+        const Line& l = p.lines[i];
+        std::printf("%-12s", trim(l.NAME[1]).substr(0, 11).c_str());
+        for (int e = 1; e <= 2; ++e)
+            print_cell(format_number(UnitsTFunc(ctx, l.TEMP[static_cast<std::size_t>(e)], "C", u.temperature), "0.0#"), 10);
+        for (int e = 1; e <= 2; ++e)
+            print_cell(convert_fmt(ctx, l.PRES[static_cast<std::size_t>(e)], "kPag", u.pressure, 4), 10);
+        for (int e = 1; e <= 2; ++e) print_cell(format_number(l.LF[static_cast<std::size_t>(e)], "0.0###"), 10);
+        for (int e = 1; e <= 2; ++e)
+            print_cell(convert_fmt(ctx, l.H[static_cast<std::size_t>(e)], "kJ/kg", u.enthalpy, 4), 10);
+        std::printf("\n");
+    }
+}
+
+int run_mode_of(const std::string& mode) {
+    if (mode == "hmb") return kRunBalance;
+    if (mode == "both") return kRunBoth;
+    return kRunHydraulics;
+}
+
 }  // namespace
 
 bool load_project(RunContext& ctx, Project& p, const std::string& file, FlashSetup* flash) {
@@ -124,9 +157,8 @@ int save_project(RunContext& ctx, const Project& p, const std::string& file) {
 }
 
 int command_run(const RunOptions& opt) {
-    if (opt.mode != "hydraulics") {
-        std::cerr << "velm: the heat and mole balance (--mode " << opt.mode
-                  << ") is not available in this build yet; use --mode hydraulics.\n";
+    if (opt.mode != "hydraulics" && opt.mode != "hmb" && opt.mode != "both") {
+        std::cerr << "velm: --mode takes hydraulics, hmb or both.\n";
         return 2;
     }
     ConsoleInteraction ui(opt.read);
@@ -157,11 +189,16 @@ int command_run(const RunOptions& opt) {
     if (opt.max_iter > 0) ctx.max_iter = opt.max_iter;
     if (opt.tolerance > 0.0) ctx.soserror = opt.tolerance;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
+    ctx.run_mode = run_mode_of(opt.mode);
+    // The balance's commands start from the results the records hold.
+    if (ctx.run_mode != kRunHydraulics) ctx.resume_run = true;
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "
                   << c.iterations << " iterations.\n";
         print_line_table(ctx, p);
+        if (ctx.run_mode == kRunBoth) print_stream_table(ctx, p);
     });
+    if (ctx.run_mode == kRunBalance && r.balanced) print_stream_table(ctx, p);
     std::cout << "\n" << r.title << "\n";
     if (!ctx.write_error.empty()) {
         std::cerr << "velm: could not write " << ctx.write_error << "; the run log and report are incomplete.\n";
@@ -169,8 +206,10 @@ int command_run(const RunOptions& opt) {
     }
     std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
     if (r.reported > 0) std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
+    if ((ctx.run_mode == kRunBoth && r.reported > 0) || r.balanced)
+        std::cout << "Balance: " << ctx.run_file("resultm.rtf").string() << "\n";
     if (!r.message.empty()) std::cout << r.message << "\n";
-    int status = r.all_converged() ? 0 : 1;
+    int status = (ctx.run_mode == kRunBalance ? r.balanced : r.all_converged()) ? 0 : 1;
     if (status != 0) print_run_errors(r);
     if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;
     return status;

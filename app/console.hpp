@@ -20,6 +20,8 @@ public:
         // reading a file with many faulty lines stops.
         int answer = 0;
         if (question.rfind("Was this older file", 0) == 0) answer = opt_.european ? 0 : 1;
+        // --mode hmb or both is the user's own Yes to the balance overwriting compositions.
+        if (question.rfind("HMB will overwrite", 0) == 0) answer = 0;
         if (question.find("pipe diameters") != std::string::npos || question.find("already exists") != std::string::npos ||
             question.find("File import") != std::string::npos)
             answer = opt_.yes ? 0 : 1;

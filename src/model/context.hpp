@@ -52,6 +52,12 @@ enum class LinearSolver { Auto, Reference, Klu };
 // plant network, far below what would exhaust a machine.
 inline constexpr std::size_t kMaxProjectBytes = std::size_t{2} << 30;
 
+// What a run does: the hydraulics, the heat and mole balance alone, or the
+// hydraulics with the balance in every iteration from the second.
+inline constexpr int kRunHydraulics = 1;
+inline constexpr int kRunBalance = 2;
+inline constexpr int kRunBoth = 3;
+
 // The run log buffer reaches the disk once it holds this many characters.
 inline constexpr std::size_t kRunLogFlushChars = 30000;
 
@@ -71,6 +77,7 @@ struct RunContext {
     std::vector<std::string> case_warnings;
     std::filesystem::path project_file;    // the project being run, as the report names it
     int max_iter = 20;
+    int run_mode = kRunHydraulics;
     LinearSolver linear_solver = LinearSolver::Auto;
     bool newton = false;       // Newton steps on the continuity rows once the flows settle
     double soserror = 0.001;

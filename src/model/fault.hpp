@@ -80,13 +80,16 @@ auto trapped(Log& log, const char* words, Body&& body, decltype(body()) fallback
 
 // The error trap of a routine whose statements stand on their own: a fault in
 // one statement is logged in the routine's words and the next statement runs,
-// so one failed result leaves the others standing.
+// so one failed result leaves the others standing. Returns true when the
+// statement faulted.
 template <class Log, class Statement>
-void resume_next(Log& log, const char* words, Statement&& statement) {
+bool resume_next(Log& log, const char* words, Statement&& statement) {
     try {
         std::forward<Statement>(statement)();
+        return false;
     } catch (const Fault& f) {
         log.log_error(words + fault_text(f));
+        return true;
     }
 }
 

@@ -10,6 +10,7 @@
 #include "model/number_format.hpp"
 #include "model/text.hpp"
 #include "reports/hydraulic_sections.hpp"
+#include "reports/report_page.hpp"
 
 namespace velm {
 
@@ -28,8 +29,8 @@ bool letter(const Header& gen) { return trim(gen.RPTSIZ1) == "Letter"; }
 int font_points(const Header& gen) { return std::clamp(gen.RPTSIZ4, 6, 10); }
 int margin(const Header& gen) { return std::clamp(gen.RPTSIZ2, 0, 4000); }
 
-// The document head: font table, paper, margins, the font size and a footer
-// of a rule on every page.
+}  // namespace
+
 void document_head(const Header& gen, RtfText& out) {
     const int m = margin(gen);
     char paper[64];
@@ -52,6 +53,8 @@ void document_head(const Header& gen, RtfText& out) {
     out.raw("\\par}");
 }
 
+namespace {
+
 // A line of the section head: left text, the block's text at its column, a
 // label and its value (already rich text) at theirs.
 std::string head_line(std::string_view left, std::string_view block, std::string_view label) {
@@ -62,16 +65,8 @@ std::string head_line(std::string_view left, std::string_view block, std::string
     return rtf_escape(s);
 }
 
-struct Head {
-    const Header& gen;
-    std::string date;
-    int case_no;
-    bool first = true;  // no page break before the first section of the file
-};
+}  // namespace
 
-// The head of a section: Extra on a line of its own when given, a rule, the
-// confidentiality block with page, project number and engineer, the section
-// title with the date, the case line.
 void ReportPageHead(RtfText& out, Head& h, std::string_view section, std::string_view extra) {
     if (!h.first) out.page();
     h.first = false;
@@ -92,6 +87,8 @@ void ReportPageHead(RtfText& out, Head& h, std::string_view section, std::string
     out.rule(kRule);
     out.line();
 }
+
+namespace {
 
 std::string yes_no(int flag) { return flag ? "Yes" : "No"; }
 
@@ -121,14 +118,14 @@ void general_section(const HydrCase& c, const std::string& run_message, RtfText&
     out.line("4) Print it and file it with the calculation for quality assurance.");
 }
 
+}  // namespace
+
 std::tm local_now() {
     const std::time_t t = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm tm{};
     localtime_r(&t, &tm);
     return tm;
 }
-
-}  // namespace
 
 int report_mask(const Header& gen, int case_no) {
     const int code = checked_int(leading_number(getting_case_data(gen.CASERPT, case_no)));

@@ -5,10 +5,12 @@
 #include <cmath>
 #include <filesystem>
 
+#include "balance/balance.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/fault.hpp"
 #include "model/number_format.hpp"
+#include "reports/balance_report.hpp"
 #include "reports/hydraulic_report.hpp"
 #include "solver/checks.hpp"
 #include "solver/input_checks.hpp"
@@ -57,15 +59,38 @@ void delete_run_files(RunContext& ctx) {
 
 std::string case_text(int n) { return "Case " + std::to_string(n) + " "; }
 
+// The balance within a hydraulic iteration (from the second on): the check,
+// the solves, the vessel flashes, and from the third the line-end flashes.
+// Returns false when a failure ends the run, with title and msg set; a
+// failed check only skips the balance of this iteration.
+bool balance_pass(RunContext& ctx, Project& p, BalanceState& balance, int iter, const std::string& c, double& err,
+                  std::string& title, std::string& msg) {
+    if (const std::string problem = HMB_Check(ctx, p, balance); !problem.empty()) {
+        msg = c + "Skip HWB, check failed. " + problem;
+        ctx.log_error(msg);
+        return true;
+    }
+    ctx.log_error(c + "Iter = " + std::to_string(iter) + ", Mole and Heat balance.");
+    if (MolHeatBalance(ctx, p, balance, err)) msg = c + "Error! Mole and Heat balance failed.";
+    else if (HMB_Flash(ctx, p, balance, err, kFlashVessels) != 0) msg = c + "Error! Vessel flash failed.";
+    else if (iter > 2 && HMB_Flash(ctx, p, balance, err, kFlashLineEnds) != 0) msg = c + "Error! Flash failed.";
+    else return true;
+    title = kNotReached;
+    return false;
+}
+
 // The iteration of one case. Returns false when the run must stop (singular
 // system or the user's stop), with title and msg set.
-bool run_case(RunContext& ctx, Project& p, Network& net, int case_no, CaseResult& cr, std::string& title,
-              std::string& msg) {
+bool run_case(RunContext& ctx, Project& p, Network& net, BalanceState* balance, int case_no, CaseResult& cr,
+              std::string& title, std::string& msg) {
     const std::string c = case_text(case_no);
     ctx.log_error(c + "Hydraulics - Start Iteration.");
     net.newton_on = false;
+    // A run with balance makes at least three solves, a hydraulic run two.
+    const int min_iter = balance != nullptr ? 2 : 1;
     for (int iter = 1; iter <= ctx.max_iter; ++iter) {
         double err = 0.0;
+        if (balance != nullptr && iter > 1 && !balance_pass(ctx, p, *balance, iter, c, err, title, msg)) return false;
         Hydr_UpdateProperties(ctx, p, iter, case_no);
         if (Hydr_Solve(ctx, p, net, err, case_no, iter) != 0) {
             title = kNotReached;
@@ -78,7 +103,7 @@ bool run_case(RunContext& ctx, Project& p, Network& net, int case_no, CaseResult
         ctx.log_error(progress);
         cr.iterations = iter;
         cr.error = err;
-        if (err < ctx.soserror && iter > 1) {
+        if (err < ctx.soserror && iter > min_iter) {
             cr.converged = true;
             return true;
         }
@@ -93,8 +118,8 @@ bool run_case(RunContext& ctx, Project& p, Network& net, int case_no, CaseResult
     return true;
 }
 
-void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on_case_end, std::string& title,
-               std::string& msg) {
+void run_cases(RunContext& ctx, Project& p, BalanceState* balance, RunResult& result, const CaseEnd& on_case_end,
+               std::string& title, std::string& msg) {
     Network net;
     const int ncase = case_count_or_value(p.gen.CASENO, 0);
     for (int ix = 1; ix <= ncase; ++ix) {
@@ -115,7 +140,7 @@ void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on
         }
         CaseResult cr;
         cr.case_no = case_no;
-        const bool go_on = run_case(ctx, p, net, case_no, cr, title, msg);
+        const bool go_on = run_case(ctx, p, net, balance, case_no, cr, title, msg);
         if (!go_on) {
             if (!cr.stopped) result.cases.push_back(cr);
             return;
@@ -132,6 +157,7 @@ void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on
         ctx.log_error(msg);
         ctx.run_signal = msg;
         WriteHydrReport(ctx, p, ix, "resulth.rtf");
+        if (balance != nullptr) WriteHMBReport(ctx, p, balance->setup, ix, "resultm.rtf");
         ++result.reported;
         result.cases.push_back(cr);
         if (on_case_end) on_case_end(ix, cr);
@@ -140,11 +166,53 @@ void run_cases(RunContext& ctx, Project& p, RunResult& result, const CaseEnd& on
     }
 }
 
+// A run of the balance alone: the solves, the vessel flashes and a second
+// solve, the line-end flashes, and the balance report.
+void balance_run(RunContext& ctx, Project& p, BalanceState& balance, RunResult& result, std::string& title,
+                 std::string& msg) {
+    if (const std::string problem = HMB_Check(ctx, p, balance); !problem.empty()) {
+        title = kNotReached;
+        msg = problem;
+        return;
+    }
+    double err = 0.0;
+    msg = "End Of Flash Results.";
+    ctx.log_error("Mole and Heat balance (Iter = 1).");
+    if (MolHeatBalance(ctx, p, balance, err)) {
+        title = "Runlog - Mole and Heat balance failed.";
+        return;
+    }
+    if (count(p.vessels) > 0) {
+        ctx.log_error("Flash vessels.");
+        if (HMB_Flash(ctx, p, balance, err, kFlashVessels) != 0) {
+            title = "Runlog - Vessel flash failed.";
+            return;
+        }
+        ctx.log_error("Mole and Heat balance (Iter = 2).");
+        if (MolHeatBalance(ctx, p, balance, err)) {
+            title = "Runlog - Mole and Heat balance failed.";
+            return;
+        }
+    }
+    ctx.log_error("Flash streams.");
+    if (HMB_Flash(ctx, p, balance, err, kFlashLineEnds) != 0) {
+        title = "Runlog - Stream flash failed.";
+        return;
+    }
+    ctx.log_error("HMB Error = " + format_number(err, "0.00E-##"));
+    title = "Runlog - Flash Results";
+    WriteHMBReport(ctx, p, balance.setup, 0, "resultm.rtf");
+    result.balanced = true;
+}
+
 }  // namespace
 
 RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
     RunResult result;
     std::string title, msg;
+    if (ctx.run_mode > kRunHydraulics &&
+        ctx.ui.ask("HMB will overwrite all compositions and properties. Continue ?", {"Yes", "No"}) != 0)
+        return result;
     ctx.run_active = true;
     ctx.project_dirty = true;
     delete_run_files(ctx);
@@ -158,9 +226,13 @@ RunResult Hydr_Sim(RunContext& ctx, Project& p, const CaseEnd& on_case_end) {
             title = kNotReached;
         } else {
             ctx.log_error("Initialize variables.");
+            BalanceState balance;
+            const bool with_balance = ctx.run_mode > kRunHydraulics;
+            if (with_balance) HMB_Reset(ctx, p, balance);
             HydrInit(ctx, p);
             Hydr_UpdateProperties(ctx, p, 1, 0);
-            run_cases(ctx, p, result, on_case_end, title, msg);
+            if (ctx.run_mode == kRunBalance) balance_run(ctx, p, balance, result, title, msg);
+            else run_cases(ctx, p, with_balance ? &balance : nullptr, result, on_case_end, title, msg);
         }
     } catch (const Fault& f) {
         ctx.log_error("Error! In Hydr_Sim = " + fault_text(f));

@@ -25,6 +25,7 @@ struct RunResult {
     std::string log;                 // the run log as read back from runlog.txt
     std::vector<CaseResult> cases;   // the cases that were solved, in run order
     int reported = 0;                // cases whose pages were written to resulth.rtf
+    bool balanced = false;           // a balance-only run reached its report
     int num_vars = 0, num_specs = 0;
     bool all_converged() const {
         if (cases.empty()) return false;
