@@ -256,10 +256,18 @@ py::dict flash(const PyProject& pp, const std::vector<std::string>& components, 
 
 // One run of every case; the GIL is released while the engine works.
 py::dict run_project(PyProject& pp, int max_iter, double tolerance, const std::string& solver,
-                     const std::string& out_dir) {
+                     const std::string& out_dir, int mode) {
     std::vector<std::string> told;
-    Told ui(told);
+    struct Balancing : Told {
+        using Told::Told;
+        // Asking for the balance is the Yes to its overwriting the compositions.
+        int ask(const std::string& q, const std::vector<std::string>& c) override {
+            return q.rfind("HMB will overwrite", 0) == 0 ? 0 : Told::ask(q, c);
+        }
+    } ui(told);
     RunContext ctx(ui);
+    ctx.run_mode = mode;
+    if (mode != kRunHydraulics) ctx.resume_run = true;
     if (max_iter > 0) ctx.max_iter = max_iter;
     if (tolerance > 0.0) ctx.soserror = tolerance;
     ctx.newton = solver == "newton";
@@ -290,7 +298,7 @@ py::dict run_project(PyProject& pp, int max_iter, double tolerance, const std::s
     d["message"] = r.message;
     d["log"] = r.log;
     d["cases"] = cases;
-    d["converged"] = r.all_converged();
+    d["converged"] = mode == kRunBalance ? r.balanced : r.all_converged();
     return d;
 }
 
@@ -307,7 +315,7 @@ PYBIND11_MODULE(_velm, m) {
         .def("apply", &apply_lines, py::arg("lines"))
         .def("line_results", &line_results)
         .def("run", &run_project, py::arg("max_iter") = 0, py::arg("tolerance") = 0.0,
-             py::arg("solver") = "successive", py::arg("out_dir") = ".")
+             py::arg("solver") = "successive", py::arg("out_dir") = ".", py::arg("mode") = 1)
         .def("get", &key_items, py::arg("section"), py::arg("name"), py::arg("key"))
         .def("flash", &flash, py::arg("components"), py::arg("z"), py::arg("ft"), py::arg("T"), py::arg("P"),
              py::arg("LF"), py::arg("H"), py::arg("S"));

@@ -39,6 +39,19 @@ def test_a_run_gives_the_numbers_of_the_command_line(example, tmp_path):
         assert r.lines.loc[name, "flow_kg_h"] == flow * 1000.0, name
 
 
+def test_a_run_with_balance_gives_the_numbers_of_the_command_line(tmp_path):
+    example = EXAMPLES / "condensate_flash_drum.vdf"
+    subprocess.run([str(VELM_EXE), "run", str(example), "--mode", "both", "--out", str(tmp_path), "--save",
+                    str(tmp_path / "saved.vdf")], check=True, capture_output=True)
+    expected = saved_flows(tmp_path / "saved.vdf")
+    r = velm.open(example).run(mode="both")
+    assert r.converged
+    for name, flow in expected.items():
+        assert r.lines.loc[name, "flow_kg_h"] == flow * 1000.0, name
+    # The balance alone on the saved state reaches its report.
+    assert velm.open(tmp_path / "saved.vdf").run(mode="hmb").converged
+
+
 def test_a_bad_file_raises_input_error_with_the_readers_words(tmp_path):
     bad = tmp_path / "bad.vdf"
     bad.write_bytes(b'"VELM_9.1"\r\n')

@@ -177,10 +177,11 @@ class Project:
         return self._core.bytes()
 
     def run(self, mode="hydraulics", max_iter=None, tolerance=None, solver="successive", out_dir=None):
-        if mode != "hydraulics":
-            raise InputError("mode %r: this build runs hydraulics" % mode)
+        modes = {"hydraulics": 1, "hmb": 2, "both": 3}
+        if mode not in modes:
+            raise InputError("mode %r: hydraulics, hmb or both" % mode)
         with tempfile.TemporaryDirectory() as scratch:
-            raw = self._core.run(max_iter or 0, tolerance or 0.0, solver, str(out_dir or scratch))
+            raw = self._core.run(max_iter or 0, tolerance or 0.0, solver, str(out_dir or scratch), modes[mode])
         result = Result(raw, self._core.line_results())
         if not result.converged:
             its = ", ".join(str(i) for i in result.iterations) or "no"

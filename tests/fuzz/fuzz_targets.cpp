@@ -268,13 +268,19 @@ void flash(std::string_view bytes) {
 }
 
 // A project read and run as `velm run` would: only a file without faulty
-// lines runs, with a small iteration limit, writing into a scratch directory.
+// lines runs, with a small iteration limit, writing into a scratch directory;
+// with components, the balance runs in its iterations.
 void run(std::string_view bytes) {
     Reading r(kRunBytes, true);
     int faults = 0;
     if (!read_vdf_text(r.ctx, r.p, bytes, nullptr, &faults) || faults > 0) return;
     r.ctx.max_iter = 4;
     r.ctx.data_dir = scratch() / "run";
+    // A project with components runs with the heat and mole balance too.
+    if (r.p.gen.COMP[1] != 0) {
+        r.ctx.run_mode = kRunBoth;
+        r.ui.default_answer = 0;
+    }
     Hydr_Sim(r.ctx, r.p);
 }
 
