@@ -26,6 +26,7 @@ int cli_main(int argc, char** argv) {
     run_cmd->add_flag("--resume", run.resume, "Start from the values left in the project instead of fresh guesses");
     run_cmd->add_option("--mode", run.mode, "hydraulics, hmb or both")
         ->check(CLI::IsMember({"hydraulics", "hmb", "both"}));
+    run_cmd->add_flag("--json", run.json, "Print the results of every line and line end as one JSON object");
     run_cmd->add_option("--mtp", run.mtp, "Two-phase pressure drop method for this run")
         ->check(CLI::IsMember({"Homogeneous", "Dukler", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin",
                                "Beggs-Brill"}));

@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "app/console.hpp"
+#include "app/run_json.hpp"
 #include "correlations/sizing.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
@@ -162,6 +163,7 @@ int command_run(const RunOptions& opt) {
         return 2;
     }
     ConsoleInteraction ui(opt.read);
+    ui.quiet = opt.json;
     RunContext ctx(ui);
     Project p;
     if (!load_project(ctx, p, opt.project)) return 2;
@@ -193,22 +195,25 @@ int command_run(const RunOptions& opt) {
     // The balance's commands start from the results the records hold.
     if (ctx.run_mode != kRunHydraulics) ctx.resume_run = true;
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
+        if (opt.json) return;
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "
                   << c.iterations << " iterations.\n";
         print_line_table(ctx, p);
         if (ctx.run_mode == kRunBoth) print_stream_table(ctx, p);
     });
-    if (ctx.run_mode == kRunBalance && r.balanced) print_stream_table(ctx, p);
-    std::cout << "\n" << r.title << "\n";
+    if (opt.json) std::cout << run_json(p, r).dump(2) << "\n";
+    else if (ctx.run_mode == kRunBalance && r.balanced) print_stream_table(ctx, p);
+    std::ostream& said = opt.json ? std::cerr : std::cout;
+    said << "\n" << r.title << "\n";
     if (!ctx.write_error.empty()) {
         std::cerr << "velm: could not write " << ctx.write_error << "; the run log and report are incomplete.\n";
         return 2;
     }
-    std::cout << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
-    if (r.reported > 0) std::cout << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
+    said << "Run log: " << ctx.run_file("runlog.txt").string() << "\n";
+    if (r.reported > 0) said << "Report:  " << ctx.run_file("resulth.rtf").string() << "\n";
     if ((ctx.run_mode == kRunBoth && r.reported > 0) || r.balanced)
-        std::cout << "Balance: " << ctx.run_file("resultm.rtf").string() << "\n";
-    if (!r.message.empty()) std::cout << r.message << "\n";
+        said << "Balance: " << ctx.run_file("resultm.rtf").string() << "\n";
+    if (!r.message.empty()) said << r.message << "\n";
     int status = (ctx.run_mode == kRunBalance ? r.balanced : r.all_converged()) ? 0 : 1;
     if (status != 0) print_run_errors(r);
     if (!target.empty() && save_project(ctx, p, target) != 0) status = 2;

@@ -26,6 +26,7 @@ struct RunOptions {
     std::string linear = "auto";        // "auto", "klu" or "reference"
     int max_iter = 0;                   // 0: the program's limit
     double tolerance = 0.0;             // 0: the program's convergence limit
+    bool json = false;                  // the results as JSON, nothing else on standard output
     ReadOptions read;
 };
 

@@ -28,7 +28,10 @@ public:
         std::cerr << question << " " << (answer < static_cast<int>(choices.size()) ? choices[answer] : "") << "\n";
         return answer;
     }
-    void status(const std::string& text) override { std::cout << text << "\n"; }
+    void status(const std::string& text) override {
+        if (!quiet) std::cout << text << "\n";
+    }
+    bool quiet = false;  // standard output is kept for what the command prints at its end
 
 private:
     static std::string crlf_to_lf(std::string s) {
