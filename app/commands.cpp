@@ -192,8 +192,9 @@ int command_run(const RunOptions& opt) {
     if (opt.tolerance > 0.0) ctx.soserror = opt.tolerance;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
     ctx.run_mode = run_mode_of(opt.mode);
-    // The balance's commands start from the results the records hold.
-    if (ctx.run_mode != kRunHydraulics) ctx.resume_run = true;
+    // The balance alone works on the flows and pressures the records hold; a
+    // run with both starts fresh unless --resume says otherwise.
+    if (ctx.run_mode == kRunBalance) ctx.resume_run = true;
     const RunResult r = Hydr_Sim(ctx, p, [&](int, const CaseResult& c) {
         if (opt.json) return;
         std::cout << "\nCase " << c.case_no << (c.converged ? " converged" : " did NOT converge") << " after "

@@ -267,7 +267,7 @@ py::dict run_project(PyProject& pp, int max_iter, double tolerance, const std::s
     } ui(told);
     RunContext ctx(ui);
     ctx.run_mode = mode;
-    if (mode != kRunHydraulics) ctx.resume_run = true;
+    if (mode == kRunBalance) ctx.resume_run = true;
     if (max_iter > 0) ctx.max_iter = max_iter;
     if (tolerance > 0.0) ctx.soserror = tolerance;
     ctx.newton = solver == "newton";

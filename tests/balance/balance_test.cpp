@@ -193,5 +193,100 @@ TEST(Balance, CheckAndSolveFailuresGiveTheirWords) {
     EXPECT_EQ(log[1], "Error! Mole compositions not independent.");
 }
 
+// Saturated water let down through a valve into a drum: the drum's vapour
+// fraction and temperature are those of IAPWS-IF97 (Antoine K-values, IF97
+// enthalpies), within 0.001 and 0.05 K.
+TEST(Balance, SaturatedWaterLetDownFlashesAsTheSteamTablesSay) {
+    for (const auto& row : reference_rows("hmb_reference.csv", "letdown")) {
+        const std::string p1 = std::to_string(std::stod(row[1]) - 101.325);
+        const std::string p2 = std::to_string(std::stod(row[2]) - 101.325);
+        const auto line = [](int n, const std::string& name, const std::string& spec, double w, const std::string& pg) {
+            const std::string i = "\"\\PIPE\"," + std::to_string(n) + ",";
+            return i + "\"NAME\",\"" + name + "\",\"\"\r\n" + i + "\"TFLOW\",\"" + spec + "\"," + std::to_string(w) +
+                   ",\"t/h\"\r\n" + i + "\"PRES\"," + pg + "," + pg + "," + pg + ",\"kPag\"\r\n" + i +
+                   "\"TEMP\",150,150,150,\"C\"\r\n" + i + "\"LF\",1,1,1\r\n" + i + "\"DIA\",\"3\",\"\",\"inch\"\r\n" + i +
+                   "\"LEN\",10,\"m\"\r\n" + i + "\"COMP0\",1,0,0,0,0,0,0,0,0,0\r\n";
+        };
+        const std::string text =
+            "\"VELM_3.2\"\r\n\"\\GEN\",0,\"MFLASH\",\"Velm\"\r\n\"\\GEN\",0,\"MFLASHK\",\"ANTOINE\"\r\n"
+            "\"\\GEN\",0,\"MFLASHH\",\"WS97\"\r\n\"\\GEN\",0,\"COMP0\",10,0,0,0,0,0,0,0,0,0\r\n\"\\PIPE\",0,\"NUM\",4\r\n" +
+            line(1, "C-1", "10", 10, p1) + "\"\\PIPE\",1,\"FT\",2,0\r\n" + line(2, "C-2", "", 10, p2) +
+            line(3, "S-3", "V", 1, p2) + line(4, "L-4", "", 9, p2) +
+            "\"\\FEED\",0,\"NUM\",1\r\n\"\\FEED\",1,\"NAME\",\"F-1\",\"\"\r\n\"\\FEED\",1,\"NOZ\",1,0,\"m\",0,0,0,\"kPag\"\r\n"
+            "\"\\VALVE\",0,\"NUM\",1\r\n\"\\VALVE\",1,\"NAME\",\"LV-1\",\"\"\r\n\"\\VALVE\",1,\"CON\",1,2\r\n"
+            "\"\\VESSEL\",0,\"NUM\",1\r\n\"\\VESSEL\",1,\"NAME\",\"D-1\",\"\"\r\n\"\\VESSEL\",1,\"PRES\",\"" +
+            p2 + "\"," + p2 +
+            ",\"kPag\"\r\n\"\\VESSEL\",1,\"NOZI\",1,2,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
+            "\"\\VESSEL\",1,\"NOZO\",1,3,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
+            "\"\\VESSEL\",1,\"NOZO\",2,4,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n\"\\PROD\",0,\"NUM\",2\r\n"
+            "\"\\PROD\",1,\"NAME\",\"P-1\",\"\"\r\n\"\\PROD\",1,\"NOZ\",3,0,\"m\",0,0,0,\"kPag\"\r\n"
+            "\"\\PROD\",2,\"NAME\",\"P-2\",\"\"\r\n\"\\PROD\",2,\"NOZ\",4,0,\"m\",0,0,0,\"kPag\"\r\n";
+        Balancing b(text);
+        ASSERT_TRUE(b.r.balanced) << b.r.title << " " << b.r.message;
+        EXPECT_NEAR(1.0 - b.p.vessels[1].LF.value, std::stod(row[4]), 0.001) << row[1] << " to " << row[2];
+        EXPECT_NEAR(b.line(3).TEMP[1], std::stod(row[3]), 0.05) << row[1] << " to " << row[2];
+        EXPECT_EQ(b.line(3).TFLOW.spec, "V") << "a vapour outlet given as V keeps its text";
+    }
+}
+
+// The overall coefficient of an 8 in steel line (bore 0.2027 m, outside
+// 0.2191 m, wall 45 W/m/K, emissivity 0.8) carrying gas (k 0.03 W/m/K, cp
+// 2.5 kJ/kg/K, 0.013 cP, 60 t/h) from 60 to 50 C in a 6 m/s wind at 5 C,
+// worked by hand on the bore: inner film 1374.0, wall 5706.9 W/m2/K; bare,
+// the outside film is 30.76 and U 29.58 W/m2/K at a surface of 52.91 C; with
+// 40 mm of insulation of 0.045 W/m/K the insulation gives 1.4265, the outside
+// film 23.19 and U 1.3415 W/m2/K at a surface of 7.89 C.
+TEST(Balance, OverallCoefficientOfABareAndAnInsulatedLine) {
+    struct Row { double insulation, U, surface; };
+    for (const Row& r : {Row{0.0, 29.5788, 52.9107}, Row{0.04, 1.3415, 7.89137}}) {
+        Line l;
+        l.ID.value = l.IDH.value = 0.2027;
+        l.ODF[2] = 0.2191;
+        l.QPIP = {0.0, 0.8, 45.0};
+        l.QINS = {0.0, r.insulation, 0.0, 0.045};
+        l.TAMB = 5.0;
+        l.QAIR2 = 6.0;
+        l.TEMP = {0.0, 60.0, 50.0, 55.0};
+        l.TFLOW.value = 60.0;
+        l.TOTCON[3] = 0.03;
+        l.TOTCP[3] = 2.5;
+        l.TPROP[6] = 0.013;
+        RecordingInteraction ui;
+        RunContext ctx(ui);
+        double tsur = 0.0;
+        EXPECT_NEAR(Pipe_U(ctx, l, tsur), r.U, 1e-4 * r.U) << r.insulation;
+        EXPECT_NEAR(tsur, r.surface, 0.02) << r.insulation;
+    }
+}
+
+// A tee splits its inlet: both branches leave with the inlet's enthalpy and
+// composition, and enthalpy is conserved to 1e-8.
+TEST(Balance, ATeeSplitsWithTheInletsStateAndConservesEnthalpy) {
+    const auto line = [](int n, double w, double t) {
+        const std::string i = "\"\\PIPE\"," + std::to_string(n) + ",";
+        return i + "\"NAME\",\"L-" + std::to_string(n) + "\",\"\"\r\n" + i + "\"TFLOW\",\"\"," + std::to_string(w) +
+               ",\"t/h\"\r\n" + i + "\"TEMP\"," + std::to_string(t) + "," + std::to_string(t) + "," +
+               std::to_string(t) + ",\"C\"\r\n" + i + "\"PRES\",1000,1000,1000,\"kPag\"\r\n" + i +
+               "\"COMP0\",0.7,0.3,0,0,0,0,0,0,0,0\r\n";
+    };
+    const std::string text =
+        "\"VELM_3.2\"\r\n\"\\GEN\",0,\"MFLASH\",\"Velm\"\r\n\"\\GEN\",0,\"COMP0\",13,15,0,0,0,0,0,0,0,0\r\n"
+        "\"\\PIPE\",0,\"NUM\",3\r\n" +
+        line(1, 9.0, 40.0) + line(2, 6.0, 10.0) + line(3, 3.0, 10.0) +
+        "\"\\FEED\",0,\"NUM\",1\r\n\"\\FEED\",1,\"NAME\",\"F-1\",\"\"\r\n\"\\FEED\",1,\"NOZ\",1,0,\"m\",0,0,0,\"kPag\"\r\n"
+        "\"\\TEE\",0,\"NUM\",1\r\n\"\\TEE\",1,\"NAME\",\"T-1\",\"\"\r\n\"\\TEE\",1,\"CON\",1,0,0,0,2,3\r\n"
+        "\"\\PROD\",0,\"NUM\",2\r\n\"\\PROD\",1,\"NAME\",\"P-1\",\"\"\r\n\"\\PROD\",1,\"NOZ\",2,0,\"m\",0,0,0,\"kPag\"\r\n"
+        "\"\\PROD\",2,\"NAME\",\"P-2\",\"\"\r\n\"\\PROD\",2,\"NOZ\",3,0,\"m\",0,0,0,\"kPag\"\r\n";
+    Balancing b(text);
+    ASSERT_TRUE(b.r.balanced) << b.r.title << " " << b.r.message;
+    for (int n : {2, 3}) {
+        EXPECT_LT(relative(b.line(n).H[1], b.line(1).H[2]), 1e-8) << n;
+        EXPECT_NEAR(b.line(n).COMP0[1], 0.7, 1e-12) << n;
+        EXPECT_NEAR(b.line(n).TEMP[1], 40.0, 0.05) << n;
+    }
+    const double in = 9.0 * b.line(1).H[2], out = 6.0 * b.line(2).H[1] + 3.0 * b.line(3).H[1];
+    EXPECT_LT(relative(out, in), 1e-8);
+}
+
 }  // namespace
 }  // namespace velm
