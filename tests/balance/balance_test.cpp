@@ -193,6 +193,33 @@ TEST(Balance, CheckAndSolveFailuresGiveTheirWords) {
     EXPECT_EQ(log[1], "Error! Mole compositions not independent.");
 }
 
+// Saturated water at gauge pressure p1 let down through valve LV-1 (lines C-1,
+// C-2) into drum D-1 at p2 with vapour line S-3 and liquid line L-4; extra
+// lines of project-file text come last.
+std::string letdown_project(const std::string& p1, const std::string& p2, const std::string& extra = "") {
+    const auto line = [](int n, const std::string& name, const std::string& spec, double w, const std::string& pg) {
+        const std::string i = "\"\\PIPE\"," + std::to_string(n) + ",";
+        return i + "\"NAME\",\"" + name + "\",\"\"\r\n" + i + "\"TFLOW\",\"" + spec + "\"," + std::to_string(w) +
+               ",\"t/h\"\r\n" + i + "\"PRES\"," + pg + "," + pg + "," + pg + ",\"kPag\"\r\n" + i +
+               "\"TEMP\",150,150,150,\"C\"\r\n" + i + "\"LF\",1,1,1\r\n" + i + "\"DIA\",\"3\",\"\",\"inch\"\r\n" + i +
+               "\"LEN\",10,\"m\"\r\n" + i + "\"COMP0\",1,0,0,0,0,0,0,0,0,0\r\n";
+    };
+    return
+        "\"VELM_3.2\"\r\n\"\\GEN\",0,\"MFLASH\",\"Velm\"\r\n\"\\GEN\",0,\"MFLASHK\",\"ANTOINE\"\r\n"
+        "\"\\GEN\",0,\"MFLASHH\",\"WS97\"\r\n\"\\GEN\",0,\"COMP0\",10,0,0,0,0,0,0,0,0,0\r\n\"\\PIPE\",0,\"NUM\",4\r\n" +
+        line(1, "C-1", "10", 10, p1) + "\"\\PIPE\",1,\"FT\",2,0\r\n" + line(2, "C-2", "", 10, p2) +
+        line(3, "S-3", "V", 1, p2) + line(4, "L-4", "", 9, p2) +
+        "\"\\FEED\",0,\"NUM\",1\r\n\"\\FEED\",1,\"NAME\",\"F-1\",\"\"\r\n\"\\FEED\",1,\"NOZ\",1,0,\"m\",0,0,0,\"kPag\"\r\n"
+        "\"\\VALVE\",0,\"NUM\",1\r\n\"\\VALVE\",1,\"NAME\",\"LV-1\",\"\"\r\n\"\\VALVE\",1,\"CON\",1,2\r\n"
+        "\"\\VESSEL\",0,\"NUM\",1\r\n\"\\VESSEL\",1,\"NAME\",\"D-1\",\"\"\r\n\"\\VESSEL\",1,\"PRES\",\"" +
+        p2 + "\"," + p2 +
+        ",\"kPag\"\r\n\"\\VESSEL\",1,\"NOZI\",1,2,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
+        "\"\\VESSEL\",1,\"NOZO\",1,3,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
+        "\"\\VESSEL\",1,\"NOZO\",2,4,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n\"\\PROD\",0,\"NUM\",2\r\n"
+        "\"\\PROD\",1,\"NAME\",\"P-1\",\"\"\r\n\"\\PROD\",1,\"NOZ\",3,0,\"m\",0,0,0,\"kPag\"\r\n"
+        "\"\\PROD\",2,\"NAME\",\"P-2\",\"\"\r\n\"\\PROD\",2,\"NOZ\",4,0,\"m\",0,0,0,\"kPag\"\r\n" + extra;
+}
+
 // Saturated water let down through a valve into a drum: the drum's vapour
 // fraction and temperature are those of IAPWS-IF97 (Antoine K-values, IF97
 // enthalpies), within 0.001 and 0.05 K.
@@ -200,28 +227,7 @@ TEST(Balance, SaturatedWaterLetDownFlashesAsTheSteamTablesSay) {
     for (const auto& row : reference_rows("hmb_reference.csv", "letdown")) {
         const std::string p1 = std::to_string(std::stod(row[1]) - 101.325);
         const std::string p2 = std::to_string(std::stod(row[2]) - 101.325);
-        const auto line = [](int n, const std::string& name, const std::string& spec, double w, const std::string& pg) {
-            const std::string i = "\"\\PIPE\"," + std::to_string(n) + ",";
-            return i + "\"NAME\",\"" + name + "\",\"\"\r\n" + i + "\"TFLOW\",\"" + spec + "\"," + std::to_string(w) +
-                   ",\"t/h\"\r\n" + i + "\"PRES\"," + pg + "," + pg + "," + pg + ",\"kPag\"\r\n" + i +
-                   "\"TEMP\",150,150,150,\"C\"\r\n" + i + "\"LF\",1,1,1\r\n" + i + "\"DIA\",\"3\",\"\",\"inch\"\r\n" + i +
-                   "\"LEN\",10,\"m\"\r\n" + i + "\"COMP0\",1,0,0,0,0,0,0,0,0,0\r\n";
-        };
-        const std::string text =
-            "\"VELM_3.2\"\r\n\"\\GEN\",0,\"MFLASH\",\"Velm\"\r\n\"\\GEN\",0,\"MFLASHK\",\"ANTOINE\"\r\n"
-            "\"\\GEN\",0,\"MFLASHH\",\"WS97\"\r\n\"\\GEN\",0,\"COMP0\",10,0,0,0,0,0,0,0,0,0\r\n\"\\PIPE\",0,\"NUM\",4\r\n" +
-            line(1, "C-1", "10", 10, p1) + "\"\\PIPE\",1,\"FT\",2,0\r\n" + line(2, "C-2", "", 10, p2) +
-            line(3, "S-3", "V", 1, p2) + line(4, "L-4", "", 9, p2) +
-            "\"\\FEED\",0,\"NUM\",1\r\n\"\\FEED\",1,\"NAME\",\"F-1\",\"\"\r\n\"\\FEED\",1,\"NOZ\",1,0,\"m\",0,0,0,\"kPag\"\r\n"
-            "\"\\VALVE\",0,\"NUM\",1\r\n\"\\VALVE\",1,\"NAME\",\"LV-1\",\"\"\r\n\"\\VALVE\",1,\"CON\",1,2\r\n"
-            "\"\\VESSEL\",0,\"NUM\",1\r\n\"\\VESSEL\",1,\"NAME\",\"D-1\",\"\"\r\n\"\\VESSEL\",1,\"PRES\",\"" +
-            p2 + "\"," + p2 +
-            ",\"kPag\"\r\n\"\\VESSEL\",1,\"NOZI\",1,2,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
-            "\"\\VESSEL\",1,\"NOZO\",1,3,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n"
-            "\"\\VESSEL\",1,\"NOZO\",2,4,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n\"\\PROD\",0,\"NUM\",2\r\n"
-            "\"\\PROD\",1,\"NAME\",\"P-1\",\"\"\r\n\"\\PROD\",1,\"NOZ\",3,0,\"m\",0,0,0,\"kPag\"\r\n"
-            "\"\\PROD\",2,\"NAME\",\"P-2\",\"\"\r\n\"\\PROD\",2,\"NOZ\",4,0,\"m\",0,0,0,\"kPag\"\r\n";
-        Balancing b(text);
+        Balancing b(letdown_project(p1, p2));
         ASSERT_TRUE(b.r.balanced) << b.r.title << " " << b.r.message;
         EXPECT_NEAR(1.0 - b.p.vessels[1].LF.value, std::stod(row[4]), 0.001) << row[1] << " to " << row[2];
         EXPECT_NEAR(b.line(3).TEMP[1], std::stod(row[3]), 0.05) << row[1] << " to " << row[2];
@@ -286,6 +292,38 @@ TEST(Balance, ATeeSplitsWithTheInletsStateAndConservesEnthalpy) {
     }
     const double in = 9.0 * b.line(1).H[2], out = 6.0 * b.line(2).H[1] + 3.0 * b.line(3).H[1];
     EXPECT_LT(relative(out, in), 1e-8);
+}
+
+// The check's problems of vessels and equipment, each with its words and the
+// item's error colour; the simulator engine of this build cannot start, which
+// the run log says, and the balance goes on with its flashes failing.
+TEST(Balance, VesselAndEquipmentProblemsAndTheSimulatorThatCannotStart) {
+    const std::string p1 = "1100", p2 = "200";
+    struct Row {
+        const char* what;
+        std::string extra;
+        const char* says;
+        bool valve;  // the valve takes the colour, else the vessel
+    };
+    const Row rows[] = {
+        {"no vapour spec", "\"\\PIPE\",3,\"TFLOW\",\"\",1,\"t/h\"\r\n", "Error! Vessel D-1 no vapor flow spec/estimate.",
+         false},
+        {"a third outlet", "\"\\VESSEL\",1,\"NOZO\",3,4,0,\"m\",0,\"kPag\",0,0,0,\"kPag\"\r\n",
+         "Error! Vessel D-1 line not allowed at Out 3 for HWB.", false},
+        {"valve flows opposed", "\"\\PIPE\",2,\"TFLOW\",\"\",-10,\"t/h\"\r\n",
+         "Error! Valve LV-1 inlet/outlet flow different directions.", true},
+    };
+    for (const Row& r : rows) {
+        Balancing b(letdown_project(p1, p2, r.extra));
+        EXPECT_FALSE(b.r.balanced) << r.what;
+        EXPECT_EQ(b.r.message, r.says) << r.what;
+        EXPECT_EQ(r.valve ? b.p.valves[1].COLOR : b.p.vessels[1].COLOR, b.p.color_error) << r.what;
+    }
+    Balancing hysys(letdown_project(p1, p2, "\"\\GEN\",0,\"MFLASH\",\"Hysys\"\r\n"));
+    EXPECT_TRUE(hysys.r.balanced);
+    EXPECT_NE(hysys.r.log.find("Error! Cannot start Hysys."), std::string::npos) << hysys.r.log;
+    EXPECT_NE(hysys.r.log.find("HYSYS flash failed."), std::string::npos) << hysys.r.log;
+    EXPECT_NE(hysys.r.log.find("End Of Flash Results."), std::string::npos) << hysys.r.log;
 }
 
 }  // namespace
