@@ -27,6 +27,7 @@ struct BalanceState {
     FlashSetup setup;
     std::vector<std::array<double, 4>> QMem;  // QMem[L][1..3]
     SparseWork work;
+    double error = 0.0;  // the balance's part of the error of the last pass ("HMB Error")
 };
 
 // What HMB_Flash flashes: bit 1 every line end, bit 2 every vessel.

@@ -5,6 +5,7 @@
 
 #include "model/case_data.hpp"
 #include "model/context.hpp"
+#include "model/number_format.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "reports/hydraulic_report.hpp"
@@ -30,6 +31,22 @@ struct BalanceCase {
     std::string comp_name(std::size_t c) const { return trim(setup.comps[c].Name); }
 };
 
+// The vapour's share of the moles at a line end, from the weight split and
+// the phases' mole weights; 0 without vapour.
+double mole_vapour_fraction(const Line& l, std::size_t e) {
+    const double v = 1.0 - l.LF[e], liquid = l.LF[e];
+    if (v <= 0.0 || l.VAPMW[e] <= 0.0) return 0.0;
+    const double nv = v / l.VAPMW[e], nl = l.LIQMW[e] > 0.0 ? liquid / l.LIQMW[e] : 0.0;
+    return nv / (nv + nl);
+}
+
+// The vapour's density at a line end, kg/m3, from its compressibility: P MW
+// / (Z R T), P in kPa absolute; 0 without vapour.
+double vapour_density(const Line& l, std::size_t e, double patm) {
+    if (l.LF[e] >= 1.0 || l.VAPZ[e] <= 0.0) return 0.0;
+    return (patm + l.PRES[e]) * l.VAPMW[e] / (l.VAPZ[e] * 8.314 * (l.TEMP[e] + 273.15));
+}
+
 // Rows of labels, one column per item, as many columns across as the page
 // holds; each column headed by "| ".
 void columns_across(const BalanceCase& c, const std::vector<std::string>& heads,
@@ -50,7 +67,7 @@ void columns_across(const BalanceCase& c, const std::vector<std::string>& heads,
     }
 }
 
-void general_section(const BalanceCase& c, RtfText& out) {
+void general_section(const BalanceCase& c, double hmb_error, RtfText& out) {
     const Header& g = c.p.gen;
     out.line("FILE NAME  : " + c.ctx.project_file.string());
     out.line("FLASH      : Method         = " + g.MFLASH);
@@ -61,6 +78,7 @@ void general_section(const BalanceCase& c, RtfText& out) {
         out.line(std::string(13, ' ') + cell_left(std::to_string(c.setup.ids[k]), 6) + cell_left(c.comp_name(k), 41) +
                  report_number(c.setup.comps[k].MW, 12));
     out.line("RUN MESSAGE: " + c.ctx.run_signal);
+    out.line("HMB ERROR  : " + format_number(hmb_error, "0.00E-##"));
 }
 
 void streams_section(const BalanceCase& c, RtfText& out) {
@@ -84,6 +102,7 @@ void streams_section(const BalanceCase& c, RtfText& out) {
         {unit("Temperature", u.temperature), [&](std::size_t k) { return c.temp(line_of(k).TEMP[pos(k)]); }},
         {unit("Pressure", u.pressure), value([](const Line& l, std::size_t e) { return l.PRES[e]; }, "kPag", u.pressure)},
         {"Vapour fraction (wt)", plain([](const Line& l, std::size_t e) { return 1.0 - l.LF[e]; })},
+        {"Vapour fraction (mol)", plain([](const Line& l, std::size_t e) { return mole_vapour_fraction(l, e); })},
         {unit("Enthalpy", u.enthalpy), value([](const Line& l, std::size_t e) { return l.H[e]; }, "kJ/kg", u.enthalpy)},
         {"Entropy (kJ/kg/K)", plain([](const Line& l, std::size_t e) { return l.S[e]; })},
         {"MW total", plain([](const Line& l, std::size_t) { return l.TOTMW; })},
@@ -91,6 +110,8 @@ void streams_section(const BalanceCase& c, RtfText& out) {
         {"MW vapour", plain([](const Line& l, std::size_t e) { return l.VAPMW[e]; })},
         {unit("Liquid density", u.density),
          value([](const Line& l, std::size_t e) { return l.LIQDEN[e]; }, "kg/m3", u.density)},
+        {unit("Vapour density", u.density),
+         value([&](const Line& l, std::size_t e) { return vapour_density(l, e, c.setup.PATM); }, "kg/m3", u.density)},
         {"Liquid viscosity (cP)", plain([](const Line& l, std::size_t e) { return l.LIQVISC[e]; })},
         {"Vapour viscosity (cP)", plain([](const Line& l, std::size_t e) { return l.VAPVISC[e]; })},
         {unit("Liquid Cp", u.heat_capacity),
@@ -152,7 +173,8 @@ void line_heat_section(const BalanceCase& c, RtfText& out) {
 
 }  // namespace
 
-void WriteHMBReport(RunContext& ctx, const Project& p, const FlashSetup& setup, int case_ix, const std::string& file) {
+void WriteHMBReport(RunContext& ctx, const Project& p, const FlashSetup& setup, double hmb_error, int case_ix,
+                    const std::string& file) {
     const int case_no = case_ix == 0 ? 1 : case_count_or_value(p.gen.CASENO, case_ix);
     BalanceCase c{ctx, p, setup, {}, report_width(p.gen)};
     SetUnits(c.u, p.gen);
@@ -160,7 +182,7 @@ void WriteHMBReport(RunContext& ctx, const Project& p, const FlashSetup& setup, 
     if (case_ix <= 1) document_head(p.gen, out);
     Head head{p.gen, report_date(p.gen, local_now()), case_no, case_ix <= 1};
     ReportPageHead(out, head, "GENERAL", "HEAT AND MOLE BALANCE REPORT");
-    general_section(c, out);
+    general_section(c, hmb_error, out);
     ReportPageHead(out, head, "STREAMS", "");
     streams_section(c, out);
     if (count(p.vessels) > 0) {

@@ -24,7 +24,9 @@ struct RunContext;
 
 // Appends the balance report of the case at position case_ix of CASENO (0
 // for a balance-only run) to the file in ctx.data_dir: the rich text head
-// when case_ix is 0 or 1. The run message is ctx.run_signal.
-void WriteHMBReport(RunContext& ctx, const Project& p, const FlashSetup& setup, int case_ix, const std::string& file);
+// when case_ix is 0 or 1. The run message is ctx.run_signal; hmb_error the
+// balance's error of its last pass.
+void WriteHMBReport(RunContext& ctx, const Project& p, const FlashSetup& setup, double hmb_error, int case_ix,
+                    const std::string& file);
 
 }  // namespace velm

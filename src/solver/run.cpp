@@ -74,7 +74,10 @@ bool balance_pass(RunContext& ctx, Project& p, BalanceState& balance, int iter, 
     if (MolHeatBalance(ctx, p, balance, err)) msg = c + "Error! Mole and Heat balance failed.";
     else if (HMB_Flash(ctx, p, balance, err, kFlashVessels) != 0) msg = c + "Error! Vessel flash failed.";
     else if (iter > 2 && HMB_Flash(ctx, p, balance, err, kFlashLineEnds) != 0) msg = c + "Error! Flash failed.";
-    else return true;
+    else {
+        balance.error = err;
+        return true;
+    }
     title = kNotReached;
     return false;
 }
@@ -157,7 +160,7 @@ void run_cases(RunContext& ctx, Project& p, BalanceState* balance, RunResult& re
         ctx.log_error(msg);
         ctx.run_signal = msg;
         WriteHydrReport(ctx, p, ix, "resulth.rtf");
-        if (balance != nullptr) WriteHMBReport(ctx, p, balance->setup, ix, "resultm.rtf");
+        if (balance != nullptr) WriteHMBReport(ctx, p, balance->setup, balance->error, ix, "resultm.rtf");
         ++result.reported;
         result.cases.push_back(cr);
         if (on_case_end) on_case_end(ix, cr);
@@ -201,7 +204,7 @@ void balance_run(RunContext& ctx, Project& p, BalanceState& balance, RunResult& 
     }
     ctx.log_error("HMB Error = " + format_number(err, "0.00E-##"));
     title = "Runlog - Flash Results";
-    WriteHMBReport(ctx, p, balance.setup, 0, "resultm.rtf");
+    WriteHMBReport(ctx, p, balance.setup, err, 0, "resultm.rtf");
     result.balanced = true;
 }
 
