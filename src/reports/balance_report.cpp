@@ -135,19 +135,34 @@ void streams_section(const BalanceCase& c, RtfText& out) {
 void vessels_section(const BalanceCase& c, RtfText& out) {
     const Project& p = c.p;
     const DisplayUnits& u = c.u;
-    const std::vector<Column> cols = {
-        {"Vessel", "", 16, true},         {"Pressure", u.pressure, 12}, {"Liquid fr.", "wt", 10},
-        {"Vapour", u.mass_flow, 12},      {"Liquid", u.mass_flow, 12},
+    std::vector<std::string> heads;
+    for (int i = 1; i <= count(p.vessels); ++i) heads.push_back(trim(p.vessels[static_cast<std::size_t>(i)].NAME[1]));
+    const auto vessel = [&p](std::size_t k) -> const Vessel& { return p.vessels[k + 1]; };
+    // The line on outlet nozzle n of vessel k, or nothing.
+    const auto outlet = [&p, &vessel](std::size_t k, int n) -> const Line* {
+        const int L = vessel(k).NOZO[static_cast<std::size_t>(n)].CON;
+        return L >= 1 && L <= count(p.lines) ? &p.lines[static_cast<std::size_t>(L)] : nullptr;
     };
-    std::vector<std::vector<std::string>> rows;
-    const auto flow_of = [&](int L) { return L >= 1 && L <= count(p.lines) ? p.lines[static_cast<std::size_t>(L)].TFLOW.value : 0.0; };
-    for (int i = 1; i <= count(p.vessels); ++i) {
-        const Vessel& v = p.vessels[static_cast<std::size_t>(i)];
-        rows.push_back({trim(v.NAME[1]), c.num(v.PRES.value, "kPag", u.pressure), report_number(v.LF.value, 10),
-                        c.num(flow_of(v.NOZO[1].CON), "t/h", u.mass_flow),
-                        c.num(flow_of(v.NOZO[2].CON), "t/h", u.mass_flow)});
-    }
-    write_table(out, cols, rows);
+    using Cell = std::function<std::string(std::size_t)>;
+    const auto flow = [&](int n) -> Cell {
+        return [&, n](std::size_t k) {
+            const Line* l = outlet(k, n);
+            return l == nullptr ? std::string("-") : c.num(l->TFLOW.value, "t/h", u.mass_flow);
+        };
+    };
+    std::vector<std::pair<std::string, Cell>> rows = {
+        {"Pressure (" + u.pressure + ")", [&](std::size_t k) { return c.num(vessel(k).PRES.value, "kPag", u.pressure); }},
+        {"Liquid fraction (wt)", [&](std::size_t k) { return report_number(vessel(k).LF.value, kCell); }},
+        {"Vapour flow (" + u.mass_flow + ")", flow(1)},
+        {"Liquid flow (" + u.mass_flow + ")", flow(2)},
+    };
+    for (int n : {1, 2})
+        for (std::size_t comp = 1; comp <= c.setup.count(); ++comp)
+            rows.emplace_back((n == 1 ? "y " : "x ") + c.comp_name(comp), [&, n, comp](std::size_t k) {
+                const Line* l = outlet(k, n);
+                return l == nullptr ? std::string("-") : report_number(l->COMP0[comp], kCell);
+            });
+    columns_across(c, heads, rows, out);
 }
 
 void line_heat_section(const BalanceCase& c, RtfText& out) {
