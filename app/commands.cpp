@@ -15,6 +15,7 @@
 #include "model/number_format.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
+#include "model/settings.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "solver/checks.hpp"
@@ -37,6 +38,14 @@ namespace {
 
 // A new project with the pipe table of the library directory (VELM_LIB) or
 // the built-in copy.
+// The user's settings of mode "every" (the defaults of a new project and the
+// run limits), from the settings file.
+Settings user_settings(RunContext& ctx) {
+    Settings s;
+    ReadSettings(ctx, settings_file(), "every", s);
+    return s;
+}
+
 bool start_project(RunContext& ctx, Project& p) {
     NewProject(p);
     const char* lib = std::getenv("VELM_LIB");
@@ -188,6 +197,7 @@ int command_run(const RunOptions& opt) {
     ctx.newton = opt.solver == "newton";
     ctx.linear_solver = opt.linear == "klu" ? LinearSolver::Klu
                         : opt.linear == "reference" ? LinearSolver::Reference : LinearSolver::Auto;
+    apply_run_limits(user_settings(ctx), ctx);
     if (opt.max_iter > 0) ctx.max_iter = opt.max_iter;
     if (opt.tolerance > 0.0) ctx.soserror = opt.tolerance;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
@@ -263,6 +273,7 @@ int command_new(const std::string& file, const ReadOptions& opt) {
     }
     Project p;
     if (!start_project(ctx, p)) return 2;
+    apply_project_defaults(user_settings(ctx), p.gen);
     return save_project(ctx, p, file);
 }
 

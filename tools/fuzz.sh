@@ -14,7 +14,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-300}"
-read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_roundtrip vdf_import pipelib propa prophys propkij numbers flash run streams}"
+read -r -a targets <<<"${VELM_FUZZ_ONLY:-vdf vdf_roundtrip vdf_import pipelib propa prophys propkij numbers flash run streams settings}"
 
 CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELM_FUZZ=ON \
   -DVELM_TESTS=OFF -DVELM_BENCH=OFF >/dev/null
@@ -34,6 +34,7 @@ seed() {
     streams)
       printf '\x0fStream,T [C],P [barg],LIQDEN [kg/m3]\r\nFEED,35,2.5,994\r\nL-2,40,1,990\r\n' >"$dir/table_csv"
       printf '\x0e"VELM_3.2"\r\n"\\PIPE","FEED","TEMP",35,35,35,"C"\r\n"\\PIPE","L-2","PRES",250,250,250,"kPag"\r\n' >"$dir/project_form" ;;
+    settings) printf '[Defaults]\r\nMaxIter=50\r\nUnits=British\r\ngDirData={localappdata}/velm\r\n' >"$dir/velm_ini" ;;
     numbers) for f in tests/data/*.csv; do head -n 3 "$f" | tail -n 1 | tr ',' ';' >"$dir/$(basename "$f")"; done ;;
   esac
   [ -d "tests/fuzz/seeds/$t" ] && cp tests/fuzz/seeds/"$t"/* "$dir/" 2>/dev/null || true

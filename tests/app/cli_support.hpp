@@ -30,12 +30,13 @@ inline std::string slurp(const fs::path& file) {
     return s.str();
 }
 
-// Runs velm with the arguments (as a shell would split them) in dir.
+// Runs velm with the arguments (as a shell would split them) in dir, whose
+// velm/Velm.ini is the settings file (so that the user's own never counts).
 inline Outcome velm(const std::string& args, const fs::path& dir) {
     const fs::path out = dir / "console.txt";
     const fs::path err = dir / "console_err.txt";
-    const std::string cmd = std::string("cd '") + dir.string() + "' && '" + VELM_EXE + "' " + args + " > '" +
-                            out.string() + "' 2> '" + err.string() + "'";
+    const std::string cmd = std::string("cd '") + dir.string() + "' && XDG_CONFIG_HOME='" + dir.string() + "' '" +
+                            VELM_EXE + "' " + args + " > '" + out.string() + "' 2> '" + err.string() + "'";
     const int raw = std::system(cmd.c_str());
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, slurp(out), slurp(err)};
 }

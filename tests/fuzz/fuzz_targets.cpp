@@ -21,6 +21,7 @@
 #include "model/number_format.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
+#include "model/settings.hpp"
 #include "model/text.hpp"
 #include "model/units.hpp"
 #include "model/vdf_schema.hpp"
@@ -307,14 +308,37 @@ void streams(std::string_view bytes) {
         require(WriteVdf(r.ctx, r.p) == before, "a refused import changes nothing");
 }
 
+// The settings file read in both modes and applied; what it held writes and
+// reads back to the same values.
+void settings(std::string_view bytes) {
+    RecordingInteraction ui;
+    RunContext ctx(ui);
+    const auto file = scratch() / "Velm.ini";
+    write_file(file, bytes);
+    Settings s;
+    ReadSettings(ctx, file, "once", s);
+    ReadSettings(ctx, file, "every", s);
+    Header gen;
+    apply_project_defaults(s, gen);
+    apply_run_limits(s, ctx);
+    require(WriteSettings(ctx, scratch() / "again.ini", "save", s), "settings write");
+    Settings again;
+    ReadSettings(ctx, scratch() / "again.ini", "once", again);
+    ReadSettings(ctx, scratch() / "again.ini", "every", again);
+    for (const auto& [key, value] : s.values) {
+        const std::string* v = again.find(key);
+        require(v != nullptr && *v == trim(value), "a written setting reads back");
+    }
+}
+
 }  // namespace
 
 const std::vector<TargetInfo>& targets() {
-    // The settings file gets its harness here when its reader exists.
     static const std::vector<TargetInfo> all = {
         {"vdf", vdf},         {"vdf_roundtrip", vdf_roundtrip}, {"vdf_import", vdf_import}, {"pipelib", pipelib},
         {"propa", propa},     {"prophys", prophys},             {"propkij", propkij},       {"numbers", numbers},
         {"flash", flash},     {"run", run},                     {"streams", streams},
+        {"settings", settings},
     };
     return all;
 }
