@@ -178,41 +178,14 @@ void take_phase(Line& l, bool present, double H, double T, const Comps& x, std::
 
 void flash_vessel(RunContext& ctx, Project& p, const BalanceState& state, Vessel& v, double& err) {
     const std::size_t n = state.setup.count();
-    double Ftot = 0.0;
-    for (int k = 1; k <= kNozzles; ++k)
-        if (const int L = v.NOZI[static_cast<std::size_t>(k)].CON; is_used(p, L) && line_at(p, L).TFLOW.value >= 0.0)
-            Ftot += line_at(p, L).TFLOW.value;
-    Comps moles{};
-    double N = 0.0, Hmix = 0.0;
-    int cnt = 1;
-    for (int k = 1; k <= kNozzles; ++k) {
-        const int L = v.NOZI[static_cast<std::size_t>(k)].CON;
-        if (!is_used(p, L)) continue;
-        const Line& l = line_at(p, L);
-        const double w = l.TFLOW.value;
-        const double M = MixMW(Fractions(l.COMP0.data(), n + 1), CompSpan(state.setup.comps));
-        if (w < 0.0 || !(M > 0.0)) {
-            ctx.log_error("Error! Vessel feed or Mw invalid for HWB. Vessel = " + trim(v.NAME[1]));
-            continue;
-        }
-        for (std::size_t c = 1; c <= n; ++c) {
-            const double add = Ftot == 0.0 ? l.COMP0[c] : l.COMP0[c] * w / M;
-            moles[c] += add;
-            N += add;
-        }
-        if (Ftot == 0.0) {
-            Hmix += l.H[2];
-            ++cnt;
-        } else {
-            Hmix += l.H[2] * w / Ftot;
-        }
-    }
+    const VesselFeed feed = vessel_feed(&ctx, p, state.setup, v);
+    const double Ftot = feed.Ftot;
     FlashStream s;
     s.NAME = stream_name(v.NAME[1], "");
     s.P = state.setup.PATM + v.PRES.value;
-    s.H = Hmix / cnt;
+    s.H = feed.H;
     s.FT = kFlashPH;
-    for (std::size_t c = 1; c <= n; ++c) s.Z[c] = N != 0.0 ? moles[c] / N : 0.0;
+    s.Z = feed.z;
     s.Trace = 1;
     if (!Flash(ctx, state.setup, s)) return;
     v.LF.value = s.LF;
@@ -225,6 +198,44 @@ void flash_vessel(RunContext& ctx, Project& p, const BalanceState& state, Vessel
 }
 
 }  // namespace
+
+VesselFeed vessel_feed(RunContext* ctx, const Project& p, const FlashSetup& setup, const Vessel& v) {
+    const std::size_t n = setup.count();
+    VesselFeed f;
+    for (int k = 1; k <= kNozzles; ++k)
+        if (const int L = v.NOZI[static_cast<std::size_t>(k)].CON; is_used(p, L))
+            if (const double w = p.lines[static_cast<std::size_t>(L)].TFLOW.value; w >= 0.0) f.Ftot += w;
+    Comps moles{};
+    double N = 0.0, Hmix = 0.0;
+    int cnt = 1;
+    for (int k = 1; k <= kNozzles; ++k) {
+        const int L = v.NOZI[static_cast<std::size_t>(k)].CON;
+        if (!is_used(p, L)) continue;
+        const Line& l = p.lines[static_cast<std::size_t>(L)];
+        const double w = l.TFLOW.value;
+        const double M = MixMW(Fractions(l.COMP0.data(), n + 1), CompSpan(setup.comps));
+        if (w < 0.0 || !(M > 0.0)) {
+            if (ctx != nullptr) ctx->log_error("Error! Vessel feed or Mw invalid for HWB. Vessel = " + trim(v.NAME[1]));
+            continue;
+        }
+        for (std::size_t c = 1; c <= n; ++c) {
+            const double add = f.Ftot == 0.0 ? l.COMP0[c] : l.COMP0[c] * w / M;
+            moles[c] += add;
+            N += add;
+        }
+        // With no flow the enthalpies are summed and divided by one more than
+        // their number, as the mixing rule stands.
+        if (f.Ftot == 0.0) {
+            Hmix += l.H[2];
+            ++cnt;
+        } else {
+            Hmix += l.H[2] * w / f.Ftot;
+        }
+    }
+    f.H = Hmix / cnt;
+    for (std::size_t c = 1; c <= n; ++c) f.z[c] = N != 0.0 ? moles[c] / N : 0.0;
+    return f;
+}
 
 void HMB_Reset(RunContext& ctx, Project& p, BalanceState& state) {
     state.QMem.assign(p.lines.size(), {});

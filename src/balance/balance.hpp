@@ -61,6 +61,16 @@ int HMB_Flash(RunContext& ctx, Project& p, BalanceState& state, double& err, int
 bool HMB_FlashLine1(RunContext& ctx, Project& p, const BalanceState& state, int L);
 bool HMB_FlashLine2(RunContext& ctx, Project& p, const BalanceState& state, int L);
 
+// What enters a vessel: the sum of its entering flows (t/h), the mixed
+// enthalpy (kJ/kg) and mole fractions of its inlets. An inlet with negative
+// flow or no mole weight is left out (logged when ctx is given).
+struct VesselFeed {
+    double Ftot = 0.0;
+    double H = 0.0;
+    Comps z{};
+};
+VesselFeed vessel_feed(RunContext* ctx, const Project& p, const FlashSetup& setup, const Vessel& v);
+
 // Weight fraction of component c in the mole composition x; 0 when the mole
 // weight of the mixture is 0.
 double GetWt_fractions(int c, const Comps& x, const FlashSetup& setup);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "balance/balance.hpp"
 #include "model/case_data.hpp"
 #include "model/context.hpp"
 #include "model/number_format.hpp"
@@ -150,12 +151,20 @@ void vessels_section(const BalanceCase& c, RtfText& out) {
             return l == nullptr ? std::string("-") : c.num(l->TFLOW.value, "t/h", u.mass_flow);
         };
     };
+    std::vector<VesselFeed> feeds;
+    for (std::size_t k = 0; k < heads.size(); ++k) feeds.push_back(vessel_feed(nullptr, p, c.setup, vessel(k)));
     std::vector<std::pair<std::string, Cell>> rows = {
         {"Pressure (" + u.pressure + ")", [&](std::size_t k) { return c.num(vessel(k).PRES.value, "kPag", u.pressure); }},
+        {"Inlet flow (" + u.mass_flow + ")", [&](std::size_t k) { return c.num(feeds[k].Ftot, "t/h", u.mass_flow); }},
+        {"Inlet enthalpy (" + u.enthalpy + ")",
+         [&](std::size_t k) { return c.num(feeds[k].H, "kJ/kg", u.enthalpy); }},
         {"Liquid fraction (wt)", [&](std::size_t k) { return report_number(vessel(k).LF.value, kCell); }},
         {"Vapour flow (" + u.mass_flow + ")", flow(1)},
         {"Liquid flow (" + u.mass_flow + ")", flow(2)},
     };
+    for (std::size_t comp = 1; comp <= c.setup.count(); ++comp)
+        rows.emplace_back("z " + c.comp_name(comp),
+                          [&, comp](std::size_t k) { return report_number(feeds[k].z[comp], kCell); });
     for (int n : {1, 2})
         for (std::size_t comp = 1; comp <= c.setup.count(); ++comp)
             rows.emplace_back((n == 1 ? "y " : "x ") + c.comp_name(comp), [&, n, comp](std::size_t k) {
