@@ -1,5 +1,8 @@
 #include "drawing/edit.hpp"
 
+#include "drawing/edit_ops.hpp"
+#include "drawing/records_of.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -22,6 +25,7 @@ void each_line_reference(Project& p, Visit&& visit) {
         }
     };
     two_port(p.valves);
+    for (Valve& v : p.valves) visit(v.DPP1);
     two_port(p.checks);
     two_port(p.fos);
     two_port(p.pumps);
@@ -139,6 +143,15 @@ void RemoveVessel(Project& p, int n) {
     move_last_into(p.vessels, n);
 }
 
+void RemoveItem(Project& p, ItemRef r) {
+    if (r.kind == ItemKind::Line) return RemoveLine(p, r.index);
+    if (r.kind == ItemKind::Feed) return RemoveFeed(p, r.index);
+    if (r.kind == ItemKind::Vessel) return RemoveVessel(p, r.index);
+    with_records(p, r.kind, [&](auto& items) {
+        if (in_range(items, r.index)) move_last_into(items, r.index);
+    });
+}
+
 bool DeleteBend(Project& p, int L, int point, Interaction& io) {
     if (!in_range(p.lines, L)) return false;
     Line& l = p.lines[static_cast<std::size_t>(L)];
@@ -152,6 +165,7 @@ bool DeleteBend(Project& p, int L, int point, Interaction& io) {
         if (to + 3 >= l.XY.size()) break;
         l.XY[to] = l.XY[to + 2];
         l.XY[to + 1] = l.XY[to + 3];
+        l.PointSelected[static_cast<std::size_t>(i)] = l.PointSelected[static_cast<std::size_t>(i + 1)];
     }
     --l.BEND;
     return true;

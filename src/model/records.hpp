@@ -53,6 +53,8 @@ struct Drawn {
     int ROT = 0;                      // icon rotation, degrees
     std::array<int, 3> FLIP{0, 1, 1}; // [1] horizontal, [2] vertical mirror: 1 normal, -1 mirrored
     std::string NOTES;
+    // Not on file: the item is selected on the sheet, and marked for paste.
+    int Selected = 0, Marked = 0;
 
     bool operator==(const Drawn&) const = default;
 };
@@ -142,7 +144,8 @@ struct Line : Drawn {
     std::string SizeUp, SizeDown;
     double dPUp = 0.0, VelUp = 0.0, dPDown = 0.0, VelDown = 0.0;
     int ConIn = 0, ConOut = 0;
-    int Imported = 0, Selected = 0, Moving = 0;
+    int Imported = 0, Moving = 0;
+    std::array<int, kLinePoints> PointSelected{};  // selected flag of each polyline point
     int pipe_index = 0;  // entry of the pipe table in force, set at initialisation
 
     // Field by field; a record compares equal to its unchanged copy.
@@ -304,6 +307,7 @@ struct Symbol {
     int STYLL = 0, STYLA = 0;
     std::array<float, 3> ANGL{};
     float FSIZ = 0.0f;
+    int Selected = 0, Marked = 0;  // not on file
 };
 
 // Pseudo component: position 1 the value in force, position 2 the estimate.
