@@ -8,6 +8,7 @@
 #include "app/commands.hpp"
 #include "app/flash_command.hpp"
 #include "app/import_command.hpp"
+#include "app/serve_command.hpp"
 
 namespace velm {
 
@@ -67,6 +68,7 @@ int cli_main(int argc, char** argv) {
 
     ThermoCommands thermo(app);
     ImportCommand import(app);
+    ServeCommand serve(app);
 
     try {
         app.parse(argc, argv);
@@ -84,6 +86,7 @@ int cli_main(int argc, char** argv) {
         if (*size_cmd) return command_size(size_action == "set", size_project, size_save, size);
         if (const auto status = thermo.run()) return *status;
         if (const auto status = import.run()) return *status;
+        if (const auto status = serve.run()) return *status;
         return command_new(new_file, fresh);
     } catch (const std::exception& e) {
         std::cerr << "velm: " << e.what() << "\n";

@@ -3,7 +3,7 @@
 # Safe to run again: packages already present are not fetched.
 set -euo pipefail
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
-          libsuitesparse-dev)
+          libsuitesparse-dev libcpp-httplib-dev esbuild)
 # The Python module and its tests: pybind11, pandas, Dask's distributed, pytest, tqdm (Debian's own).
 packages+=(python3 python3-dev pybind11-dev python3-pandas python3-distributed python3-pytest python3-tqdm)
 # clang with its libFuzzer and sanitizer runtimes: the fuzz harnesses (tools/fuzz.sh).

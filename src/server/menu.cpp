@@ -1,0 +1,388 @@
+// The commands of the main window's menus, tool bar and context menu, by the
+// names the page gives them. A command that needs the page (a file picker,
+// the print of the sheet, a download) says so in its reply.
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "correlations/sizing.hpp"
+#include "drawing/edit_ops.hpp"
+#include "model/pipe_table.hpp"
+#include "model/project_file.hpp"
+#include "model/text.hpp"
+#include "server/rtf_text.hpp"
+#include "server/session.hpp"
+#include "solver/network.hpp"
+
+namespace velm {
+
+using Json = nlohmann::json;
+
+struct MenuCommands {
+    using Handler = void (*)(Session&, Interaction&, const Json&, Json&);
+    static const std::map<std::string, Handler>& table();
+
+    // Commands that change the project leave an undo step and make it dirty.
+    static void edited(Session& s, Json& reply) {
+        s.state_.ProjectDirty = true;
+        reply["changed"] = true;
+    }
+
+    static std::string arg(const Json& args, const char* name) {
+        return args.is_object() && args.contains(name) && args[name].is_string() ? args[name].get<std::string>() : "";
+    }
+
+    static void open(Session& s, Interaction& io, const Json& args, Json& reply) {
+        if (!s.ask_save_changes(io)) return;
+        const std::string file = arg(args, "file");
+        if (file.empty()) {
+            reply["picker"] = {{"mode", "open"},
+                               {"filter", "Velm Data Files (*.vdf)|*.vdf|Data Files (*.dat)|*.dat|Other Files (*.*)|*.*"}};
+            return;
+        }
+        if (!s.open(io, file)) io.tell("Error MFO = the file " + file + " could not be read.");
+        reply["changed"] = true;
+    }
+
+    static void save_as(Session& s, Interaction& io, const Json& args, Json& reply) {
+        const std::string file = arg(args, "file");
+        if (file.empty()) {
+            reply["picker"] = {{"mode", "save"}, {"filter", "Data Files (*.vdf)|*.vdf|Other Files (*.*)|*.*"}};
+            return;
+        }
+        if (!s.save(io, file)) io.tell("Error! Saving File As = " + file);
+        reply["changed"] = true;
+    }
+
+    static void save(Session& s, Interaction& io, const Json& args, Json& reply) {
+        if (s.file_.empty()) return save_as(s, io, args, reply);
+        s.save(io, s.file_.string());
+        reply["changed"] = true;
+    }
+
+    static void close(Session& s, Interaction& io, const Json&, Json& reply) {
+        if (!s.ask_save_changes(io)) return;
+        RunContext ctx(io);
+        NewProject(s.project_);
+        apply_project_defaults(s.settings_, s.project_.gen);
+        ReadPipeLib(ctx, s.project_.pipedata, {});
+        s.file_.clear();
+        s.refresh_after_load();
+        reply["changed"] = true;
+    }
+
+    static void exit(Session& s, Interaction& io, const Json&, Json& reply) {
+        if (s.running_) {
+            io.tell("Simulation still running !");
+            if (io.ask("Exit program immediately without saving ?", {"Yes", "No"}) != 0) return;
+            s.run_ctx_->stop = true;
+        } else if (!s.ask_save_changes(io)) {
+            return;
+        }
+        RunContext ctx(io);
+        WriteSettings(ctx, settings_file(), "exit", s.settings_);
+        reply["exit"] = true;
+    }
+
+    static void page_only(Session&, Interaction&, const Json&, Json& reply) { reply["page"] = true; }
+
+    static void clipboard(Session&, Interaction& io, const Json&, Json&) {
+        io.tell("No picture in Clipboard.");
+        io.tell("Press ALT-PRINT SCREEN before execuring this command.");
+    }
+
+    static void arm(Session& s, int tool) { s.arm_tool(tool); }
+
+    static void add_bend(Session& s, Interaction& io, const Json&, Json& reply) {
+        AddBend(s.project_, io);
+        edited(s, reply);
+    }
+
+    static void edit_equip(Session& s, Interaction& io, const Json&, Json& reply) {
+        ItemRef first{};
+        for_each_item(s.project_, [&](ItemRef r) {
+            if (first.index == 0 && *selected_flag(s.project_, r)) first = r;
+        });
+        if (first.index == 0) return io.tell("No equipment to edit.");
+        reply["edit"] = {{"kind", kind_name(first.kind)}, {"index", first.index}};
+    }
+
+    static void pipe_dia(Session& s, Interaction& io, bool set, Json& reply) {
+        const char* question = set ? "Set all pipe diameters to current calculated sizes ?"
+                                   : "Clear all pipe diameters to size them in the next run ?";
+        if (io.ask(question, {"Yes", "No"}) != 0) return;
+        pipe_set_dia(s.project_, set);
+        edited(s, reply);
+    }
+
+    // The pipe data (material, schedule, size, roughness) of the first
+    // selected line given to the other selected lines.
+    static void pipe_copy(Session& s, Interaction& io, const Json&, Json& reply) {
+        const Line* from = nullptr;
+        for (std::size_t i = 1; i < s.project_.lines.size(); ++i)
+            if (s.project_.lines[i].Selected) {
+                if (!from) {
+                    from = &s.project_.lines[i];
+                    continue;
+                }
+                Line& to = s.project_.lines[i];
+                to.MAT = from->MAT;
+                to.SCH = from->SCH;
+                to.DIA = from->DIA;
+                to.ID = from->ID;
+                to.EPS = from->EPS;
+            }
+        if (!from) return io.tell("No equipment selected.");
+        edited(s, reply);
+    }
+
+    static void find(Session& s, Interaction& io, const Json& args, Json& reply) {
+        const std::string name = arg(args, "name");
+        if (name.empty()) {
+            reply["prompt"] = "Equipment name";
+            return;
+        }
+        SelectItems(s.project_, 0, false, "");
+        const int n = SelectItems(s.project_, -1, false, name);
+        io.tell("Number of equip found = " + std::to_string(n));
+        reply["changed"] = true;
+    }
+
+    static void label(Session& s, int flag, Json& reply) {
+        for_each_item(s.project_, [&](ItemRef r) {
+            Drawn* d = drawn(s.project_, r);
+            if (d && d->Selected) d->LBL1 = flag;
+        });
+        edited(s, reply);
+    }
+
+    static void flip_to(Session& s, std::size_t axis, int sign, Json& reply) {
+        for_each_item(s.project_, [&](ItemRef r) {
+            Drawn* d = drawn(s.project_, r);
+            if (d && r.kind != ItemKind::Line && d->Selected && (d->FLIP[axis] < 0) != (sign < 0)) {
+                // FlipSelected turns every selected item; only those not yet so are turned.
+                d->FLIP[axis] = -d->FLIP[axis] == 0 ? -1 : d->FLIP[axis];
+            }
+        });
+        FlipSelectedTo(s, static_cast<int>(axis), sign);
+        edited(s, reply);
+    }
+
+    static void FlipSelectedTo(Session& s, int axis, int sign) {
+        const auto i = static_cast<std::size_t>(axis);
+        std::vector<ItemRef> keep;
+        for_each_item(s.project_, [&](ItemRef r) {
+            Drawn* d = drawn(s.project_, r);
+            if (d && d->Selected && ((d->FLIP[i] < 0 ? -1 : 1) == sign)) {
+                d->Selected = 0;
+                keep.push_back(r);
+            }
+        });
+        FlipSelected(s.project_, axis);
+        for (ItemRef r : keep) drawn(s.project_, r)->Selected = -1;
+    }
+
+    static void label_mode(Session& s, const char* mode, Json& reply) {
+        s.state_.LabelMode = s.state_.LabelMode == mode ? "" : mode;
+        reply["changed"] = true;
+    }
+
+    static void reset_colour(Session& s, Interaction&, const Json&, Json& reply) {
+        for_each_item(s.project_, [&](ItemRef r) {
+            if (Drawn* d = drawn(s.project_, r)) d->COLOR = s.project_.color_normal;
+        });
+        reply["changed"] = true;
+    }
+
+    static void spec_count(Session& s, Interaction& io, const Json&, Json& reply) {
+        RecordingInteraction quiet;
+        RunContext ctx(quiet);
+        Project copy = s.project_;
+        Network net;
+        Count_Specs(ctx, copy, net, 1);
+        io.tell("Number of Specifications = " + std::to_string(net.NumSpecs) + "\r\nNumber of Variables = " +
+                std::to_string(net.NumVars));
+        s.spec_text_ = "Specs " + std::to_string(net.NumSpecs) + " / Vars " + std::to_string(net.NumVars);
+        reply["changed"] = true;
+    }
+
+    static void run(Session& s, Interaction& io, int mode, bool resume, Json& reply) {
+        if (s.running_) return;
+        if (mode > kRunHydraulics &&
+            io.ask("HMB will overwrite all compositions and properties. Continue ?", {"Yes", "No"}) != 0)
+            return;
+        s.start_run(mode, resume);
+        reply["run"] = true;
+    }
+
+    static void stop(Session& s, Interaction&, const Json&, Json&) {
+        if (s.running_ && s.run_ctx_) s.run_ctx_->stop = true;
+    }
+
+    // A run file as text for the page: the report's rich text made readable.
+    static void view_file(Session& s, Interaction& io, const char* name, const char* missing, Json& reply) {
+        const std::filesystem::path f = s.data_dir_ / name;
+        std::ifstream in(f, std::ios::binary);
+        if (!in) return io.tell(missing);
+        std::ostringstream text;
+        text << in.rdbuf();
+        const std::string body = text.str();
+        reply["view"] = {{"name", name}, {"text", f.extension() == ".rtf" ? rtf_to_text(body) : body}};
+    }
+
+    static void save_file(Session& s, Interaction& io, const Json& args, const char* name, const char* missing,
+                          Json& reply) {
+        const std::filesystem::path from = s.data_dir_ / name;
+        std::error_code ec;
+        if (!std::filesystem::exists(from, ec)) return io.tell(missing);
+        const std::string file = arg(args, "file");
+        if (file.empty()) {
+            reply["picker"] = {{"mode", "save"}, {"filter", "RTF Files (*.rtf)|*.rtf|Word Files (*.doc)|*.doc|Other Files (*.*)|*.*"}};
+            return;
+        }
+        const std::string ext = upper(std::filesystem::path(file).extension().string());
+        if (ext == ".VDF" || ext == ".DAT") return io.tell("Error. Cannot store report with vdf or dat extension.");
+        if (file.size() > 256 || from.string().size() > 256)
+            return io.tell("Error ! Source or destination exceed 256 characters.");
+        std::filesystem::copy_file(from, file, std::filesystem::copy_options::overwrite_existing, ec);
+        if (ec) io.tell("Error = " + ec.message());
+    }
+
+    static void not_yet(Interaction& io, const std::string& what) {
+        io.tell(what + " is not in this build yet: edit the project file or use the velm command line.");
+    }
+};
+
+namespace {
+
+using H = MenuCommands;
+#define VELM_CMD(body) [](Session& s, Interaction& io, const Json& args, Json& reply) { body; }
+
+}  // namespace
+
+const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
+    static const std::map<std::string, Handler> t = {
+        {"mnuFileOpen", VELM_CMD(H::open(s, io, args, reply))},
+        {"mnuFileSave", VELM_CMD(H::save(s, io, args, reply))},
+        {"mnuFileSaveAs", VELM_CMD(H::save_as(s, io, args, reply))},
+        {"mnuFileClose", VELM_CMD(H::close(s, io, args, reply))},
+        {"mnuFileImport", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "File import"))},
+        {"mnuFilePrint", VELM_CMD(H::page_only(s, io, args, reply))},
+        {"mnuFileDSetup", VELM_CMD(H::page_only(s, io, args, reply))},
+        {"mnuFileSaveBMP", VELM_CMD(H::page_only(s, io, args, reply))},
+        {"mnuFileSaveClient", VELM_CMD(H::page_only(s, io, args, reply))},
+        {"mnuFileSaveClip", VELM_CMD(H::clipboard(s, io, args, reply))},
+        {"mnuFileExit", VELM_CMD(H::exit(s, io, args, reply))},
+        {"mnuEditAddFeed", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 50))},
+        {"mnuEditAddProd", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 51))},
+        {"mnuEditAddPipe", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 49))},
+        {"mnuEditAddValve", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 52))},
+        {"mnuEditAddCheck", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 53))},
+        {"mnuEditAddPump", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 54))},
+        {"mnuEditAddComp", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 55))},
+        {"mnuEditAddFO", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 56))},
+        {"mnuEditAddHX", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 57))},
+        {"mnuEditAddExpand", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 58))},
+        {"mnuEditAddSplit", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 59))},
+        {"mnuEditAddTee", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 60))},
+        {"mnuEditAddVessel", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 61))},
+        {"mnuEditAddMisc", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 62))},
+        {"mnuEditAddText", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 63))},
+        {"mnuEditAddBend", VELM_CMD(H::add_bend(s, io, args, reply))},
+        {"mnuPopBendAdd", VELM_CMD(H::add_bend(s, io, args, reply))},
+        {"mnuEditEquip", VELM_CMD(H::edit_equip(s, io, args, reply))},
+        {"mnuPopEdit", VELM_CMD(H::edit_equip(s, io, args, reply))},
+        {"mnuEditFluid", VELM_CMD(H::edit_equip(s, io, args, reply); reply["fluid"] = true)},
+        {"mnuPopFluid", VELM_CMD(H::edit_equip(s, io, args, reply); reply["fluid"] = true)},
+        {"mnuEditPipeCopy", VELM_CMD(H::pipe_copy(s, io, args, reply))},
+        {"mnuEditPipeDiaClear", VELM_CMD((void)args; H::pipe_dia(s, io, false, reply))},
+        {"mnuEditPipeDiaSet", VELM_CMD((void)args; H::pipe_dia(s, io, true, reply))},
+        {"mnuEditSizing", VELM_CMD((void)args; H::pipe_dia(s, io, false, reply))},
+        {"mnuEditCopy", VELM_CMD((void)args; (void)reply; CopySelected(s.project_, io))},
+        {"mnuPopCopy", VELM_CMD((void)args; (void)reply; CopySelected(s.project_, io))},
+        {"mnuEditPaste", VELM_CMD((void)args; PasteItems(s.project_, io); H::edited(s, reply))},
+        {"mnuPopPaste", VELM_CMD((void)args; PasteItems(s.project_, io); H::edited(s, reply))},
+        {"mnuEditDel", VELM_CMD((void)args; DeleteSelected(s.project_, io); H::edited(s, reply))},
+        {"mnuPopDelete", VELM_CMD((void)args; DeleteSelected(s.project_, io); H::edited(s, reply))},
+        {"mnuEditSelectAll", VELM_CMD((void)io; (void)args; SelectItems(s.project_, -1, false, ""); reply["changed"] = true)},
+        {"mnuPopSelectAll", VELM_CMD((void)io; (void)args; SelectItems(s.project_, -1, false, ""); reply["changed"] = true)},
+        {"mnuEditDeselect", VELM_CMD((void)io; (void)args; SelectItems(s.project_, 0, false, ""); reply["changed"] = true)},
+        {"mnuPopDeselect", VELM_CMD((void)io; (void)args; SelectItems(s.project_, 0, false, ""); reply["changed"] = true)},
+        {"mnuEditFind", VELM_CMD(H::find(s, io, args, reply))},
+        {"mnuEditRot", VELM_CMD((void)io; (void)args; RotateSelected(s.project_, 90); H::edited(s, reply))},
+        {"mnuPopRot", VELM_CMD((void)io; (void)args; RotateSelected(s.project_, 90); H::edited(s, reply))},
+        {"mnuEditRotate", VELM_CMD((void)io; (void)args; RotateSelected(s.project_, 270); H::edited(s, reply))},
+        {"mnuPopRotate", VELM_CMD((void)io; (void)args; RotateSelected(s.project_, 270); H::edited(s, reply))},
+        {"mnuEditFlipX", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 1); H::edited(s, reply))},
+        {"mnuPopFlipX", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 1); H::edited(s, reply))},
+        {"mnuEditFlipY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2); H::edited(s, reply))},
+        {"mnuPopFlipY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2); H::edited(s, reply))},
+        {"mnuEditFlipXY", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 1, 1); H::edited(s, reply))},
+        {"mnuEditFlipXN", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 1, -1); H::edited(s, reply))},
+        {"mnuEditFlipYY", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 2, 1); H::edited(s, reply))},
+        {"mnuEditFlipYN", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 2, -1); H::edited(s, reply))},
+        {"mnuEditLabelY", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
+        {"mnuEditLabelN", VELM_CMD((void)io; (void)args; H::label(s, 0, reply))},
+        {"mnuPopLabel", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
+        {"mnuEditIkon", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The icon dialog"))},
+        {"mnuPopIkon", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The icon dialog"))},
+        {"mnuPopCancel", VELM_CMD((void)s; (void)io; (void)args; (void)reply)},
+        {"mnuEditUndo", VELM_CMD((void)io; (void)args; reply["changed"] = s.undo())},
+        {"mnuEditRedo", VELM_CMD((void)io; (void)args; reply["changed"] = s.redo())},
+        {"mnuViewNormal", VELM_CMD((void)io; (void)args; s.state_.LabelMode.clear(); reply["changed"] = true)},
+        {"mnuViewSpec", VELM_CMD((void)io; (void)args; H::label_mode(s, "Input", reply))},
+        {"mnuViewResult", VELM_CMD((void)io; (void)args; H::label_mode(s, "Result", reply))},
+        {"mnuViewRedraw", VELM_CMD((void)s; (void)io; (void)args; reply["changed"] = true)},
+        {"mnuViewResetColor", VELM_CMD(H::reset_colour(s, io, args, reply))},
+        {"mnuViewDraw", VELM_CMD((void)io; (void)args; s.drawing_on_ = !s.drawing_on_; reply["changed"] = true)},
+        {"mnuRunSpec", VELM_CMD(H::spec_count(s, io, args, reply))},
+        {"mnuRunSimRun", VELM_CMD((void)args; H::run(s, io, kRunHydraulics, false, reply))},
+        {"mnuRunSimResume", VELM_CMD((void)args; H::run(s, io, kRunHydraulics, true, reply))},
+        {"mnuRunSimStop", VELM_CMD(H::stop(s, io, args, reply))},
+        {"mnuRunResultsView", VELM_CMD((void)args; H::view_file(s, io, "resulth.rtf", "Result file not found. First run hydraulics.", reply))},
+        {"mnuRunResultsSave", VELM_CMD(H::save_file(s, io, args, "resulth.rtf", "Hydraulics MUST be run to create a result file.", reply))},
+        {"mnuRunLogView", VELM_CMD((void)args; H::view_file(s, io, "runlog.txt", "File not found. Run hydraulics/HMB to create file.", reply))},
+        {"mnuRunLogSave", VELM_CMD(H::save_file(s, io, args, "runlog.txt", "Run Log file not found.", reply))},
+        {"mnuProcessHWB", VELM_CMD((void)args; H::run(s, io, kRunBalance, true, reply))},
+        {"mnuProcessRun", VELM_CMD((void)args; H::run(s, io, kRunBalance, true, reply))},
+        {"mnuProcessHydrHWB", VELM_CMD((void)args; H::run(s, io, kRunBoth, false, reply))},
+        {"mnuProcessPseudo", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pseudo component dialog"))},
+        {"mnuProcessView", VELM_CMD((void)args; H::view_file(s, io, "resultm.rtf", "Result file not found. First run HMB.", reply))},
+        {"mnuProcessSave", VELM_CMD(H::save_file(s, io, args, "resultm.rtf", "HMB must be run to create a result file.", reply))},
+        {"mnuOptionsDef", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The defaults dialog"))},
+        {"mnuOptionsCalcs", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The calculation methods dialog"))},
+        {"mnuOptionsCases", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The cases dialog"))},
+        {"mnuOptionsTitle", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The title block dialog"))},
+        {"mnuOptionsKomp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The components dialog"))},
+        {"mnuOptionsProp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The properties dialog"))},
+        {"mnuOptionsPData", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pipe data dialog"))},
+        {"mnuOptionsEquip", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The equipment templates"))},
+        {"mnuHelpHelp", VELM_CMD((void)s; (void)io; (void)args; reply["page"] = "help")},
+        {"mnuHelpSupport", VELM_CMD((void)s; (void)io; (void)args;
+                                    reply["mailto"] = "mailto:support@velm-hydraulics.example?subject=Hydraulics%20Problem")},
+        {"mnuHelpAbout", VELM_CMD((void)s; (void)args; (void)reply; io.tell("VELM - Hydraulics\r\nRating and sizing of plant pipe networks."))},
+    };
+    return t;
+}
+
+bool Session::command(Interaction& io, const std::string& name, const nlohmann::json& args, nlohmann::json& reply) {
+    const auto& t = MenuCommands::table();
+    std::string key = name;
+    // The equipment templates of the Options menu share one answer.
+    if (key.rfind("mnuOptions", 0) == 0 && !t.count(key)) key = "mnuOptionsEquip";
+    const auto it = t.find(key);
+    if (it == t.end()) return false;
+    const bool edits = key != "mnuRunSimStop" && key.rfind("mnuRun", 0) != 0 && key.rfind("mnuView", 0) != 0 &&
+                       key.rfind("mnuHelp", 0) != 0 && key != "mnuEditUndo" && key != "mnuEditRedo";
+    if (running_ && edits && key != "mnuFileExit") {
+        reply["refused"] = "Simulation still running !";
+        return true;
+    }
+    if (edits) remember();
+    it->second(*this, io, args, reply);
+    if (edits && !reply.value("changed", false)) forget_unchanged();
+    pending_ = false;
+    return true;
+}
+
+}  // namespace velm

@@ -1,0 +1,294 @@
+#include "server/session.hpp"
+
+#include <algorithm>
+
+#include "drawing/edit_ops.hpp"
+#include "drawing/layout.hpp"
+#include "model/file_replace.hpp"
+#include "model/pipe_table.hpp"
+#include "model/project_file.hpp"
+#include "server/sheet_json.hpp"
+#include "solver/run.hpp"
+
+namespace velm {
+
+namespace {
+
+// Edits that can be undone, at most.
+constexpr std::size_t kUndoDepth = 30;
+
+// The run's interaction layer: every message and status line goes to the
+// live log that the page reads while the run goes on.
+class RunInteraction : public Interaction {
+public:
+    RunInteraction(std::mutex& lock, std::vector<std::string>& log) : lock_(lock), log_(log) {}
+    void tell(const std::string& text) override { add(text); }
+    int ask(const std::string& question, const std::vector<std::string>&) override {
+        add(question + " Yes");
+        return 0;
+    }
+    void status(const std::string& text) override { add(text); }
+
+private:
+    void add(const std::string& text) {
+        std::lock_guard<std::mutex> g(lock_);
+        log_.push_back(text);
+    }
+    std::mutex& lock_;
+    std::vector<std::string>& log_;
+};
+
+}  // namespace
+
+int RequestInteraction::ask(const std::string& question, const std::vector<std::string>& choices) {
+    asked.push_back(question);
+    if (next_ < answers_.size()) return answers_[next_++];
+    throw NeedAnswer{question, choices};
+}
+
+Session::Session(ProjectLoader loader, std::filesystem::path data_dir)
+    : loader_(std::move(loader)), data_dir_(std::move(data_dir)) {}
+
+Session::~Session() { join_run(); }
+
+void Session::join_run() {
+    if (run_thread_.joinable()) run_thread_.join();
+}
+
+std::string Session::title() const {
+    return file_.empty() ? "VELM - Hydraulics" : "VELM - [" + file_.string() + "]";
+}
+
+bool Session::start(Interaction& io, const std::string& file) {
+    RunContext ctx(io);
+    NewProject(project_);
+    ReadSettings(ctx, settings_file(), "once", settings_);
+    ReadSettings(ctx, settings_file(), "every", settings_);
+    apply_project_defaults(settings_, project_.gen);
+    view_ = view_flags(settings_);
+    ReadPipeLib(ctx, project_.pipedata, {});
+    std::error_code ec;
+    std::filesystem::create_directories(data_dir_, ec);
+    // Reports do not survive from one start of the program to the next.
+    for (const char* name : {"resulth.rtf", "runlog.txt", "resultm.rtf"}) std::filesystem::remove(data_dir_ / name, ec);
+    bool ok = true;
+    if (!file.empty() && std::filesystem::exists(file, ec)) ok = open(io, file);
+    else if (!file.empty()) io.tell("File not found: " + file);
+    refresh_after_load();
+    return ok;
+}
+
+void Session::refresh_after_load() {
+    SetUnits(units_, project_.gen);
+    if (needs_layout(project_)) AutoLayout(project_);
+    state_ = DrawState{};
+    undo_.clear();
+    redo_.clear();
+    spec_text_.clear();
+}
+
+bool Session::open(Interaction& io, const std::string& file) {
+    RunContext ctx(io);
+    Project p;
+    if (!loader_(ctx, p, file)) return false;
+    project_ = std::move(p);
+    std::error_code ec;
+    file_ = std::filesystem::absolute(file, ec);
+    for (const char* name : {"resulth.rtf", "runlog.txt"}) std::filesystem::remove(data_dir_ / name, ec);
+    refresh_after_load();
+    return true;
+}
+
+bool Session::save(Interaction& io, const std::string& file) {
+    RunContext ctx(io);
+    if (!save_vdf(ctx, project_, file)) {
+        io.tell("Error! In File Save = " + file);
+        return false;
+    }
+    std::error_code ec;
+    file_ = std::filesystem::absolute(file, ec);
+    state_.ProjectDirty = false;
+    return true;
+}
+
+// "Save changes before closing ?": Yes saves, Cancel ends the command (false).
+bool Session::ask_save_changes(Interaction& io) {
+    if (!state_.ProjectDirty) return true;
+    const int a = io.ask("Save changes before closing ?", {"Yes", "No", "Cancel"});
+    if (a == 2) return false;
+    if (a == 0) {
+        if (file_.empty()) {
+            io.tell("Error! Saving File As = the project has no file name yet.");
+            return false;
+        }
+        return save(io, file_.string());
+    }
+    return true;
+}
+
+nlohmann::json Session::sheet(const std::string& label_mode) {
+    DrawState st = state_;
+    if (!label_mode.empty()) st.LabelMode = label_mode == "None" ? "" : label_mode;
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    const std::string mode = st.LabelMode;
+    LabelPainter painter = [&](Surface& s, ItemRef r, float x, float y) {
+        DrawLabels(s, ctx, project_, units_, view_, kind_name(r.kind), r.index, mode, x, y, 1.0f,
+                   project_.color_normal);
+    };
+    LabelRowsOf rows = [&](ItemRef r) {
+        if (mode.empty()) return std::vector<std::string>{};
+        return LabelRows(ctx, project_, units_, view_, kind_name(r.kind), r.index, mode);
+    };
+    nlohmann::json j = drawing_on_ ? sheet_items_json(project_, st, painter, rows)
+                                   : nlohmann::json{{"sheet", nlohmann::json::array()}, {"items", nlohmann::json::array()}};
+    const float w = project_.gen.DWGSIZ[1] > 0 ? project_.gen.DWGSIZ[1] : 16837.0f;
+    const float h = project_.gen.DWGSIZ[2] > 0 ? project_.gen.DWGSIZ[2] : 11905.0f;
+    j["title"] = title();
+    j["size"] = {w, h};
+    j["labelMode"] = st.LabelMode;
+    j["drawAction"] = state_.DrawAction;
+    j["dirty"] = state_.ProjectDirty;
+    j["runActive"] = running_.load();
+    j["drawing"] = drawing_on_;
+    j["undo"] = !undo_.empty();
+    j["redo"] = !redo_.empty();
+    j["status"] = {{"lblHelp", state_.status},
+                   {"lblUnits", "Units: " + project_.gen.UNITS},
+                   {"lblCase", "Case: " + project_.gen.CASENO},
+                   {"lblSpec", spec_text_}};
+    return j;
+}
+
+nlohmann::json Session::item_card(const std::string& kind, int index) {
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    return {{"kind", kind}, {"index", index}, {"rows", LabelRows(ctx, project_, units_, view_, kind, index, "Result")}};
+}
+
+void Session::remember() {
+    pending_ = true;
+    undo_.push_back(project_);
+    if (undo_.size() > kUndoDepth) undo_.pop_front();
+    redo_.clear();
+}
+
+void Session::forget_unchanged() {
+    if (pending_ && !undo_.empty()) undo_.pop_back();
+    pending_ = false;
+}
+
+void Session::undo_pending() {
+    if (pending_ && !undo_.empty()) {
+        project_ = std::move(undo_.back());
+        undo_.pop_back();
+    }
+    pending_ = false;
+}
+
+bool Session::undo() {
+    if (undo_.empty() || running_) return false;
+    redo_.push_back(std::move(project_));
+    project_ = std::move(undo_.back());
+    undo_.pop_back();
+    state_.ProjectDirty = true;
+    return true;
+}
+
+bool Session::redo() {
+    if (redo_.empty() || running_) return false;
+    undo_.push_back(std::move(project_));
+    project_ = std::move(redo_.back());
+    redo_.pop_back();
+    state_.ProjectDirty = true;
+    return true;
+}
+
+nlohmann::json Session::pointer(Interaction& io, const std::string& type, const PointerEvent& e) {
+    state_.changed = false;
+    state_.edit_request = {};
+    state_.RunActive = running_;
+    const bool gesture_start = type == "down" || type == "dblclick";
+    if (gesture_start && !running_) remember();
+    if (type == "down") Form_MouseDown(project_, state_, io, e);
+    else if (type == "move") Form_MouseMove(project_, state_, io, e);
+    else if (type == "up") Form_MouseUp(project_, state_, io, e);
+    else if (type == "dblclick") Form_DblClick(project_, state_, io, e);
+    // A press that changed nothing (a hover, a click on the empty sheet) leaves no undo step.
+    if (gesture_start && !running_ && !state_.changed) forget_unchanged();
+    pending_ = false;
+    nlohmann::json reply = {{"status", state_.status},
+                            {"hover", {{"state", state_.HoverState}, {"kind", state_.HoverKind}, {"index", state_.HoverIndex}}},
+                            {"drawAction", state_.DrawAction},
+                            {"upArrow", state_.HoverState == 1 || state_.HoverState == 9 || state_.HoverState == 10},
+                            {"changed", state_.changed}};
+    if (state_.edit_request.index > 0)
+        reply["edit"] = {{"kind", kind_name(state_.edit_request.kind)}, {"index", state_.edit_request.index}};
+    if (state_.changed) reply["sheet"] = sheet();
+    return reply;
+}
+
+nlohmann::json Session::key(Interaction& io, int key, bool shift, bool ctrl) {
+    state_.changed = false;
+    state_.edit_request = {};
+    state_.RunActive = running_;
+    if (!running_) remember();
+    Form_KeyDown(project_, state_, io, key, shift, ctrl);
+    if (!running_ && !state_.changed) forget_unchanged();
+    pending_ = false;
+    nlohmann::json reply = {{"changed", state_.changed}, {"drawAction", state_.DrawAction}};
+    if (state_.edit_request.index > 0)
+        reply["edit"] = {{"kind", kind_name(state_.edit_request.kind)}, {"index", state_.edit_request.index}};
+    if (state_.changed) reply["sheet"] = sheet();
+    return reply;
+}
+
+void Session::arm_tool(int draw_action) {
+    if (running_) return;
+    state_.DrawAction = (draw_action == 49 || (draw_action >= 50 && draw_action <= 63)) ? draw_action : 0;
+    state_.status = hover_status(0, state_.DrawAction);
+}
+
+nlohmann::json Session::run_state() {
+    std::lock_guard<std::mutex> g(log_lock_);
+    return {{"active", running_.load()}, {"log", run_log_}};
+}
+
+void Session::start_run(int mode, bool resume) {
+    join_run();
+    {
+        std::lock_guard<std::mutex> g(log_lock_);
+        run_log_.clear();
+    }
+    run_io_ = std::make_unique<RunInteraction>(log_lock_, run_log_);
+    run_ctx_ = std::make_unique<RunContext>(*run_io_);
+    RunContext& ctx = *run_ctx_;
+    ctx.data_dir = data_dir_;
+    ctx.project_file = file_;
+    ctx.run_mode = mode;
+    ctx.resume_run = resume || mode == kRunBalance;
+    apply_run_limits(settings_, ctx);
+    running_ = true;
+    state_.RunActive = true;
+    state_.ProjectDirty = true;
+    run_thread_ = std::thread([this, copy = project_]() mutable {
+        const RunResult r = Hydr_Sim(*run_ctx_, copy);
+        {
+            std::lock_guard<std::mutex> g(log_lock_);
+            run_log_.push_back(r.title);
+            if (!r.message.empty()) run_log_.push_back(r.message);
+        }
+        std::lock_guard<std::mutex> g(lock);
+        finish_run(std::move(copy), r.title);
+    });
+}
+
+void Session::finish_run(Project&& result, const std::string&) {
+    // Edits were refused during the run: the copy differs only by what the run wrote.
+    project_ = std::move(result);
+    state_.RunActive = false;
+    state_.LabelMode = "Result";
+    running_ = false;
+}
+
+}  // namespace velm

@@ -1,0 +1,155 @@
+// The page's own dialogs: messages, questions, prompts, the file picker and
+// the text viewer. Each returns a promise of the user's answer.
+
+import { get, Json, token } from "./api";
+
+const modal = () => document.getElementById("modal") as HTMLDivElement;
+const dialog = () => document.getElementById("dialog") as HTMLDivElement;
+
+export function isOpen(): boolean {
+  return !modal().hidden;
+}
+
+function open(title: string, body: (d: HTMLDivElement) => void): void {
+  const d = dialog();
+  d.replaceChildren();
+  const h = document.createElement("h3");
+  h.textContent = title;
+  d.appendChild(h);
+  body(d);
+  modal().hidden = false;
+}
+
+function close(): void {
+  modal().hidden = true;
+  dialog().replaceChildren();
+}
+
+function buttons(d: HTMLElement, labels: string[], done: (i: number) => void, escIndex: number): void {
+  const row = document.createElement("div");
+  row.className = "buttons";
+  labels.forEach((label, i) => {
+    const b = document.createElement("button");
+    b.textContent = label;
+    b.dataset.answer = label;
+    b.addEventListener("click", () => {
+      close();
+      done(i);
+    });
+    row.appendChild(b);
+  });
+  d.appendChild(row);
+  (row.firstElementChild as HTMLButtonElement | null)?.focus();
+  d.onkeydown = (e: KeyboardEvent) => {
+    if (e.key === "Escape") {
+      e.preventDefault();
+      close();
+      done(escIndex);
+    }
+  };
+}
+
+function textBlock(d: HTMLElement, text: string): void {
+  const p = document.createElement("div");
+  p.className = "text";
+  p.textContent = text.replace(/\r\n/g, "\n");
+  d.appendChild(p);
+}
+
+export function message(text: string): Promise<void> {
+  return new Promise((resolve) =>
+    open("VELM - Hydraulics", (d) => {
+      d.dataset.kind = "message";
+      textBlock(d, text);
+      buttons(d, ["OK"], () => resolve(), 0);
+    }));
+}
+
+export function question(text: string, choices: string[]): Promise<number> {
+  return new Promise((resolve) =>
+    open("VELM - Hydraulics", (d) => {
+      d.dataset.kind = "question";
+      textBlock(d, text);
+      buttons(d, choices, resolve, choices.length - 1);
+    }));
+}
+
+export function prompt(title: string): Promise<string | null> {
+  return new Promise((resolve) =>
+    open(title, (d) => {
+      const input = document.createElement("input");
+      input.type = "text";
+      d.appendChild(input);
+      buttons(d, ["OK", "Cancel"], (i) => resolve(i === 0 ? input.value : null), 1);
+      input.focus();
+      input.onkeydown = (e) => {
+        if (e.key === "Enter") (d.querySelector(".buttons button") as HTMLButtonElement).click();
+      };
+    }));
+}
+
+// A file on the server's file system: folders to walk, a name to type for a save.
+export function pickFile(mode: "open" | "save", filter: string, start: string): Promise<string | null> {
+  const patterns = filter.split("|").filter((_, i) => i % 2 === 1);
+  const first = patterns[0]?.replace("*", "") ?? "";
+  return new Promise((resolve) => {
+    let dir = start;
+    open(mode === "open" ? "Open" : "Save As", (d) => {
+      d.dataset.kind = "picker";
+      const where = document.createElement("div");
+      const list = document.createElement("ul");
+      list.className = "files";
+      const name = document.createElement("input");
+      name.type = "text";
+      name.placeholder = "File name";
+      d.append(where, list, name);
+      const show = async (path: string) => {
+        const r: Json = await get(`/api/files?dir=${encodeURIComponent(path)}&token=${token}`);
+        dir = r.dir;
+        where.textContent = r.dir + (r.error ? ` (${r.error})` : "");
+        list.replaceChildren();
+        const up = document.createElement("li");
+        up.textContent = "..";
+        up.onclick = () => show(r.parent);
+        list.appendChild(up);
+        for (const e of r.entries) {
+          if (!e.dir && first.startsWith(".") && !e.name.endsWith(first) && mode === "open" && !filter.includes("*.*")) continue;
+          const li = document.createElement("li");
+          li.textContent = e.dir ? e.name + "/" : e.name;
+          li.onclick = () => (e.dir ? show(dir + "/" + e.name) : (name.value = e.name));
+          li.ondblclick = () => {
+            if (!e.dir) {
+              close();
+              resolve(dir + "/" + e.name);
+            }
+          };
+          list.appendChild(li);
+        }
+      };
+      void show(dir);
+      buttons(d, [mode === "open" ? "Open" : "Save", "Cancel"], (i) => {
+        if (i !== 0 || !name.value) return resolve(null);
+        let file = name.value.startsWith("/") ? name.value : dir + "/" + name.value;
+        if (mode === "save" && !/\.[A-Za-z0-9]+$/.test(file) && first.startsWith(".")) file += first;
+        resolve(file);
+      }, 1);
+    });
+  });
+}
+
+// A report or the run log, readable, with its download.
+export function viewText(name: string, text: string): Promise<void> {
+  return new Promise((resolve) =>
+    open(name, (d) => {
+      d.dataset.kind = "viewer";
+      const pre = document.createElement("pre");
+      pre.className = "report";
+      pre.textContent = text;
+      const a = document.createElement("a");
+      a.href = `/api/download/${name}?token=${token}`;
+      a.textContent = "Download " + name;
+      a.setAttribute("download", name);
+      d.append(pre, a);
+      buttons(d, ["Close"], () => resolve(), 0);
+    }));
+}
