@@ -184,6 +184,9 @@ int AutoLayout(Project& p) {
             route(l, origin, loose_y, origin + kFreeEnd, loose_y, below, grid);
             loose_y += kRowPitch / 2;
         }
+        // The label block under the first segment, clear of the item the line leaves.
+        l.LBL2 = 3 * grid;
+        l.LBL3 = grid;
         ++placed;
         const Box box = item_box(p, {ItemKind::Line, L});
         max_x = std::max(max_x, box.x1);

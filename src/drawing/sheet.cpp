@@ -23,8 +23,10 @@ void DrawSheet(Surface& s, const Project& p) {
     const float m = p.gen.DWGMAR;
     s.begin_item("Sheet", 0);
     const float g = p.gen.DWGGRD2 > 0 ? static_cast<float>(p.gen.DWGGRD2) : 100.0f;
-    if (p.gen.DWGGRD1 && g >= 50.0f)
+    if (p.gen.DWGGRD1 && g >= 50.0f) {
         for (float x = m; x <= w - m; x += 10 * g) s.line(x, m, x, h - m, kGridColour, PenStyle::Dot);
+        for (float y = m; y <= h - m; y += 10 * g) s.line(m, y, w - m, y, kGridColour, PenStyle::Dot);
+    }
     if (p.gen.DWGBOR) s.box(m, m, w - m, h - m, 0, PenStyle::Solid);
     // Title block: company, project lines and the drawing number in the lower right corner.
     const float tx = w - m - 4000.0f, ty = h - m - 1000.0f;

@@ -340,6 +340,12 @@ function build(): void {
   }
 }
 
+// Resolves once every request the page has sent is answered (for scripts and tests).
+(window as unknown as { velmIdle: () => Promise<void> }).velmIdle = async () => {
+  do await chain;
+  while (busy || waitingMove);
+};
+
 build();
 if (!token) void ui.message("This page needs the address that velm serve printed, with its token.");
 else void refresh().then(async () => {
