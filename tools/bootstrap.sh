@@ -8,6 +8,10 @@ packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcl
 packages+=(python3 python3-dev pybind11-dev python3-pandas python3-distributed python3-pytest python3-tqdm)
 # clang with its libFuzzer and sanitizer runtimes: the fuzz harnesses (tools/fuzz.sh).
 packages+=(clang libclang-rt-dev)
+# The page's end-to-end tests: Chromium driven by playwright-core from npm.
+packages+=(chromium)
+command -v node >/dev/null 2>&1 || packages+=(nodejs)
+command -v npm >/dev/null 2>&1 || packages+=(npm)
 if [ "${1:-}" = "--tools" ]; then
   # Only for regenerating data and reference tables under tools/.
   packages+=(python3 python3-fluids python3-iapws python3-scipy)

@@ -130,11 +130,12 @@ public:
         spec("Po=", POUT.spec, kPressure, u_.pressure);
         spec("dP=", DP.spec, kPressureDifference, dp_unit_);
     }
-    // The results of the same three.
+    // The results of the same three: shown whatever the flags, which govern
+    // the pressures of the boundaries only.
     void pressure_results(const Pair& PIN, const Pair& POUT, const Pair& DP) {
-        pressure("Pi=", PIN.value);
-        pressure("Po=", POUT.value);
-        difference(view_.dP, "dP=", DP.value);
+        value(true, "Pi=", PIN.value, kPressure, u_.pressure);
+        value(true, "Po=", POUT.value, kPressure, u_.pressure);
+        difference(true, "dP=", DP.value);
     }
 
 private:

@@ -37,7 +37,7 @@ test("an example runs from the Run menu and its results stand beside the lines",
   const sheet = await sheetJson(server);
   assert.equal(sheet.labelMode, "Result");
   assert.ok(items(sheet, "Line").every((l) => l.labels.some((r) => r.startsWith("Pi="))));
-  await page.locator("#sheetwrap").screenshot({ path: join(root, "build", "flowsheet.png") });
+  await page.screenshot({ path: join(root, "build", "flowsheet.png") });
   assert.deepEqual(errors, []);
 });
 
