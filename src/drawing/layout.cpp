@@ -14,7 +14,7 @@ namespace velm {
 
 namespace {
 
-constexpr float kColumnPitch = 2600.0f;  // twips between columns of items
+constexpr float kColumnPitch = 3600.0f;  // twips between columns of items
 constexpr float kRowPitch = 2000.0f;     // twips between rows
 constexpr float kFreeEnd = 1200.0f;      // length of a line with one free end
 
@@ -185,7 +185,7 @@ int AutoLayout(Project& p) {
             loose_y += kRowPitch / 2;
         }
         // The label block under the first segment, clear of the item the line leaves.
-        l.LBL2 = 3 * grid;
+        l.LBL2 = 14 * grid;
         l.LBL3 = grid;
         ++placed;
         const Box box = item_box(p, {ItemKind::Line, L});

@@ -346,6 +346,7 @@ function build(): void {
   while (busy || waitingMove);
 };
 
+$("runclose").addEventListener("click", () => ($("runpanel").hidden = true));
 build();
 if (!token) void ui.message("This page needs the address that velm serve printed, with its token.");
 else void refresh().then(async () => {
