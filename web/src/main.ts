@@ -6,6 +6,7 @@ import { get, Json, post, token } from "./api";
 import { MENUS, PALETTE, PALETTE_TIP, POPUP, TOOLBAR, ZOOMS, ZOOM_TIP, Entry } from "./menus";
 import { ColourBy, range, renderSheet, TWIPS_PER_PIXEL } from "./render";
 import * as ui from "./ui";
+import { editItem } from "./dialog";
 
 const svg = document.getElementById("sheet") as unknown as SVGSVGElement;
 let sheet: Json = null;
@@ -101,8 +102,7 @@ async function command(name: string, args: Json = {}): Promise<void> {
 }
 
 async function openDialog(kind: string, index: number): Promise<void> {
-  const item = sheet?.items?.find((i: Json) => i.kind === kind && i.index === index);
-  await ui.message(`${kind} ${item?.name ?? index}: the equipment dialogs are not in this build yet.`);
+  if (await editItem(kind, index)) await refresh();
 }
 
 async function pageCommand(name: string): Promise<void> {

@@ -1,0 +1,135 @@
+// One form renderer for every equipment dialog: the server describes the
+// fields (name, label, unit, hint, tab, text on show, value in force) and
+// judges OK; the page lays them out and sends the texts back.
+
+import { get, Json, put } from "./api";
+import * as ui from "./ui";
+
+const modal = () => document.getElementById("modal") as HTMLDivElement;
+const dialogBox = () => document.getElementById("dialog") as HTMLDivElement;
+
+function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputElement | HTMLSelectElement>): HTMLElement {
+  const row = document.createElement("label");
+  row.className = "field";
+  const name = document.createElement("span");
+  name.className = "name";
+  name.textContent = f.label || f.name;
+  let input: HTMLInputElement | HTMLSelectElement;
+  if (f.choices && f.choices.length) {
+    const sel = document.createElement("select");
+    for (const c of f.choices) sel.add(new Option(c, c, false, c === f.text));
+    if (!f.choices.includes(f.text)) sel.add(new Option(f.text, f.text, true, true));
+    input = sel;
+  } else {
+    const t = document.createElement("input");
+    t.type = "text";
+    t.value = f.text ?? "";
+    input = t;
+  }
+  input.name = f.name;
+  input.dataset.field = f.name;
+  input.addEventListener("focus", () => (help.textContent = f.hint ?? ""));
+  input.addEventListener("blur", () => (help.textContent = ""));
+  inputs.set(f.name, input);
+  const unit = document.createElement("span");
+  unit.className = "unit";
+  unit.textContent = f.unit ?? "";
+  const calc = document.createElement("span");
+  calc.className = "calc";
+  calc.textContent = f.calculated ?? "";
+  calc.title = "Value in force (calculated or specified)";
+  if (f.pair && f.calculated !== undefined) {
+    // A double click on the entry copies the value in force into it.
+    input.addEventListener("dblclick", () => {
+      if (input instanceof HTMLInputElement) input.value = f.calculated;
+    });
+  }
+  row.append(name, input, unit, calc);
+  return row;
+}
+
+// Opens the dialog of an item; resolves true when OK changed the project.
+export async function editItem(kind: string, index: number): Promise<boolean> {
+  const d: Json = await get(`/api/dialog/${kind}/${index}`);
+  if (!d.fields) {
+    await ui.message(d.message ?? `No dialog for ${kind} ${index}.`);
+    return false;
+  }
+  return new Promise((resolve) => {
+    const box = dialogBox();
+    box.replaceChildren();
+    box.dataset.kind = "form";
+    box.dataset.form = d.form;
+    const title = document.createElement("h3");
+    title.textContent = `${d.form} - ${d.kind} ${index}`;
+    const help = document.createElement("div");
+    help.className = "help";
+    const inputs = new Map<string, HTMLInputElement | HTMLSelectElement>();
+    const tabs = new Map<string, HTMLElement>();
+    const tabBar = document.createElement("div");
+    tabBar.className = "tabs";
+    const pages = document.createElement("div");
+    for (const f of d.fields) {
+      const tab = f.tab || "General";
+      if (!tabs.has(tab)) {
+        const page = document.createElement("div");
+        page.className = "page";
+        page.dataset.tab = tab;
+        page.hidden = tabs.size > 0;
+        tabs.set(tab, page);
+        pages.appendChild(page);
+        const b = document.createElement("button");
+        b.textContent = tab;
+        b.dataset.tab = tab;
+        b.className = tabs.size === 1 ? "on" : "";
+        b.addEventListener("click", () => {
+          for (const [name, p] of tabs) p.hidden = name !== tab;
+          for (const x of tabBar.children) x.classList.toggle("on", (x as HTMLElement).dataset.tab === tab);
+        });
+        tabBar.appendChild(b);
+      }
+      tabs.get(tab)!.appendChild(fieldRow(f, help, inputs));
+    }
+    const buttons = document.createElement("div");
+    buttons.className = "buttons";
+    const ok = document.createElement("button");
+    ok.textContent = "OK";
+    ok.dataset.answer = "OK";
+    const cancel = document.createElement("button");
+    cancel.textContent = "Cancel";
+    cancel.dataset.answer = "Cancel";
+    buttons.append(ok, cancel);
+    box.append(title, ...(tabs.size > 1 ? [tabBar] : []), pages, help, buttons);
+    modal().hidden = false;
+    (inputs.values().next().value as HTMLElement | undefined)?.focus();
+
+    const close = (changed: boolean) => {
+      modal().hidden = true;
+      box.replaceChildren();
+      box.onkeydown = null;
+      resolve(changed);
+    };
+    ok.addEventListener("click", async () => {
+      const fields: Record<string, string> = {};
+      for (const [name, input] of inputs) fields[name] = input.value;
+      const r: Json = await put(`/api/dialog/${kind}/${index}`, { fields });
+      if (r.message) {
+        help.textContent = r.message;
+        help.classList.add("refused");
+        box.dataset.refused = r.message;
+        return;
+      }
+      close(true);
+    });
+    cancel.addEventListener("click", () => close(false));
+    box.onkeydown = (e: KeyboardEvent) => {
+      if (e.key === "Escape") {
+        e.preventDefault();
+        close(false);
+      } else if (e.key === "Enter" && (e.target as HTMLElement).tagName !== "BUTTON") {
+        e.preventDefault();
+        ok.click();
+      }
+    };
+  });
+}
