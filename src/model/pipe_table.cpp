@@ -76,6 +76,8 @@ void read_material(ItemReader& in, PipeData& p) {
     }
 }
 
+}  // namespace
+
 int find_size(const PipeData& p, std::string_view size) {
     for (int i = 1; i <= kPipeSizes; ++i)
         if (p.DIA[i].name == size) return i;
@@ -87,6 +89,8 @@ int find_schedule(const PipeData& p, std::string_view sch) {
         if (p.SCH[j] == sch) return j;
     return 0;
 }
+
+namespace {
 
 // Factor from the table's unit to `units`.
 double scale_to(RunContext& ctx, const PipeData& p, std::string_view units) {

@@ -38,6 +38,11 @@ std::string pipe_lib_text(const std::vector<PipeData>& table);
 // Writes the library to file through a temporary file beside it.
 bool SavePipeLib(RunContext& ctx, const std::vector<PipeData>& table, const std::filesystem::path& file);
 
+// Row of a nominal size and column of a schedule of one material, by exact
+// name, the first that matches; 0 for none.
+int find_size(const PipeData& p, std::string_view size);
+int find_schedule(const PipeData& p, std::string_view sch);
+
 // Entry of a material by exact name, the first that matches; 0 for none.
 int find_pipe_material(const std::vector<PipeData>& table, std::string_view mat);
 

@@ -42,6 +42,8 @@ struct Port {
     double dPNoz = 0.0;        // fixed loss of the nozzle, kPa
     double dPFlow = 0.0;       // flow loss KFlow * W * |W|, kPa
     double KFlow = 0.0;        // kPa per (t/h)^2
+
+    bool operator==(const Port&) const = default;
 };
 
 // Head common to every drawn record.
@@ -166,6 +168,8 @@ struct Boundary : Drawn {
     Pair DP;
     Equation EQN;
     int CHOKE = 0;
+
+    bool operator==(const Boundary&) const = default;
 };
 struct Feed : Boundary {};
 struct Prod : Boundary {};
@@ -176,6 +180,8 @@ struct TwoPort : Drawn {
     std::array<int, 3> CON{};   // [1] inlet line, [2] outlet line
     double ELEV = 0.0;
     Pair DP, PIN, POUT;
+
+    bool operator==(const TwoPort&) const = default;
 };
 
 struct Valve : TwoPort {
@@ -188,10 +194,14 @@ struct Valve : TwoPort {
     std::string TYPE;       // trim
     Pair OPEN;              // %
     double XT = 0.0, YIN = 0.0, FP2 = 0.0;
+
+    bool operator==(const Valve&) const = default;
 };
 
 struct Check : TwoPort {
     double LD = 0.0;
+
+    bool operator==(const Check&) const = default;
 };
 
 struct FO : TwoPort {
@@ -202,6 +212,8 @@ struct FO : TwoPort {
     Pair BORE, BETA;
     double C = 0.0, YIN = 0.0;
     int CHOKE = 0;
+
+    bool operator==(const FO&) const = default;
 };
 
 // Exchanger and miscellaneous equipment: ports told by NOZI and NOZO.
@@ -214,16 +226,22 @@ struct NozzleItem : Drawn {
     double PRAT5 = 0.0;        // density at the rating point
     std::string K;
     double DPELEV = 0.0;
+
+    bool operator==(const NozzleItem&) const = default;
 };
 
 struct HX : NozzleItem {
     std::string TYPE, SIDE;
     Pair Q;
+
+    bool operator==(const HX&) const = default;
 };
 
 struct Misc : NozzleItem {
     std::string LD;
     int VOLBAL = 0;
+
+    bool operator==(const Misc&) const = default;
 };
 
 struct Machine : TwoPort {
@@ -238,6 +256,8 @@ struct Machine : TwoPort {
     // Not on file: the curve columns as numbers for the case in force, scaled
     // to the speed and impeller in use (set on the first pass of each case).
     std::array<double, kCurvePoints + 1> CURQ_value{}, CURH_value{}, CUREFF_value{};
+
+    bool operator==(const Machine&) const = default;
 };
 
 struct Pump : Machine {
@@ -256,10 +276,14 @@ struct Pump : Machine {
     // Not on file.
     std::array<double, kCurvePoints + 1> CURNPSH_value{};  // NPSHR column, scaled like the curve
     double NPSHA1 = 0.0;                     // NPSHA[1]: source pressure of the last estimate, kPag
+
+    bool operator==(const Pump&) const = default;
 };
 
 struct Comp : Machine {
     Pair PRAT, QACT, EFFC;
+
+    bool operator==(const Comp&) const = default;
 };
 
 struct Expand : TwoPort {
@@ -268,11 +292,15 @@ struct Expand : TwoPort {
     int CHOKE = 0;
     double K = 0.0;
     double ANGLE = 0.0;
+
+    bool operator==(const Expand&) const = default;
 };
 
 struct Junc : Drawn {
     std::array<Port, kNozzles + 1> NOZI, NOZO;
     Pair PRES;
+
+    bool operator==(const Junc&) const = default;
 };
 
 struct Tee : Drawn {
@@ -285,6 +313,8 @@ struct Tee : Drawn {
     double SPAC = 0.0;
     std::array<int, 3> C{}, M{}, B{};        // legs combined, main, branch: [1] port number, [2] line on it
     double C3 = 0.0, M3 = 0.0, B3 = 0.0;     // C[3] density at the tee, kg/m3; M[3], B[3] flow ratios to the combined leg
+
+    bool operator==(const Tee&) const = default;
 };
 
 struct Vessel : Drawn {
@@ -297,6 +327,8 @@ struct Vessel : Drawn {
     double LEVL3 = 0.0, LEVM3 = 0.0, LEVH3 = 0.0;
     std::string LEVL5, LEVM5, LEVH5;
     double LevL = 0.0, LevM = 0.0, LevH = 0.0;  // levels of the case in force (not on file)
+
+    bool operator==(const Vessel&) const = default;
 };
 
 struct Symbol {

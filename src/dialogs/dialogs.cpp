@@ -1,0 +1,286 @@
+// Loading a dialog from its record and the OK that writes it back: the same
+// steps for every kind, driven by the kind's field table.
+#include "dialogs/dialogs.hpp"
+
+#include <cmath>
+#include <exception>
+#include <map>
+
+#include "dialogs/check_input.hpp"
+#include "dialogs/dialog_table.hpp"
+#include "model/context.hpp"
+#include "model/number_format.hpp"
+#include "model/text.hpp"
+
+namespace velm {
+namespace dialog {
+
+int cases_of(std::initializer_list<std::string_view> texts) {
+    int n = 1;
+    for (std::string_view t : texts) n = std::max(n, case_count(t));
+    return n;
+}
+
+namespace {
+
+// A quantity of the display units and the internal unit its records hold.
+struct UnitClass {
+    const char* name;
+    const char* internal;
+    std::string DisplayUnits::*shown;
+};
+
+constexpr UnitClass kUnitClasses[] = {
+    {"pressure", "kPag", &DisplayUnits::pressure},
+    {"length", "m", &DisplayUnits::length},
+    {"diameter", "m", &DisplayUnits::diameter},
+    {"temperature", "C", &DisplayUnits::temperature},
+    {"mass_flow", "t/h", &DisplayUnits::mass_flow},
+    {"liquid_volume_flow", "m3/h", &DisplayUnits::liquid_volume_flow},
+    {"gas_volume_flow", "m3/h", &DisplayUnits::gas_volume_flow},
+    {"density", "kg/m3", &DisplayUnits::density},
+    {"head", "m", &DisplayUnits::head},
+    {"gradient", "kPa/100m", &DisplayUnits::gradient},
+    {"velocity", "m/s", &DisplayUnits::velocity},
+    {"duty", "kJ/h", &DisplayUnits::duty},
+    {"heat_transfer_coefficient", "W/m2/K", &DisplayUnits::heat_transfer_coefficient},
+    {"conductivity", "W/m/K", &DisplayUnits::conductivity},
+};
+
+// The unit of an entry: its class (or "" for a fixed word), the word shown and
+// the internal word. A fixed word is both; no conversion takes place.
+struct EntryUnit {
+    std::string cls, shown, internal;
+    bool temperature() const { return cls == "temperature"; }
+};
+
+EntryUnit unit_of(const std::string& spec, const DisplayUnits& units) {
+    if (spec.empty()) return {};
+    if (spec[0] == '=') return {"", spec.substr(1), spec.substr(1)};
+    for (const UnitClass& c : kUnitClasses)
+        if (spec == c.name) return {c.name, units.*c.shown, c.internal};
+    return {};
+}
+
+// A value shown with all its digits, so that a text taken back reads the same number.
+std::string shown_number(RunContext& ctx, double v, const EntryUnit& u) {
+    if (u.shown == u.internal) return number_text(v);
+    if (u.temperature()) return number_text(UnitsTFunc(ctx, v, u.internal, u.shown));
+    return number_text(convert_value(ctx, v, u.internal, u.shown));
+}
+
+double internal_number(RunContext& ctx, const std::string& text, const EntryUnit& u) {
+    const double v = read_display_number(trim(text));
+    if (u.shown == u.internal) return v;
+    if (u.temperature()) return UnitsTFunc(ctx, v, u.shown, u.internal);
+    return convert_value(ctx, v, u.shown, u.internal);
+}
+
+std::string shown_case(RunContext& ctx, const std::string& text, const EntryUnit& u) {
+    return converting_units(ctx, text, u.internal, u.shown, 0);
+}
+
+std::string internal_case(RunContext& ctx, const std::string& text, const EntryUnit& u) {
+    return converting_units(ctx, text, u.shown, u.internal, 0);
+}
+
+template <class R>
+DialogField show(RunContext& ctx, const FieldDef<R>& f, const R& rec, const DisplayUnits& units) {
+    R& r = const_cast<R&>(rec);  // the accessors take a mutable record; only read here
+    const EntryUnit u = unit_of(f.unit, units);
+    DialogField d;
+    d.name = f.name;
+    d.label = f.label;
+    d.check = f.check;
+    d.unit_class = u.cls;
+    d.unit = u.shown;
+    d.hint = f.hint;
+    d.tab = f.tab;
+    d.choices = f.choices;
+    switch (f.store) {
+        case Store::Pair:
+            d.pair = true;
+            d.text = shown_case(ctx, f.pair(r)->spec, u);
+            d.calculated = shown_number(ctx, f.pair(r)->value, u);
+            break;
+        case Store::Case: d.text = shown_case(ctx, *f.text(r), u); break;
+        case Store::Text: d.text = *f.text(r); break;
+        case Store::Fixed12: d.text = trim_right(*f.text(r)); break;
+        case Store::Notes: d.text = *f.text(r); break;
+        case Store::Number: d.text = shown_number(ctx, *f.number(r), u); break;
+        case Store::Integer: d.text = std::to_string(*f.integer(r)); break;
+        case Store::Flag: d.text = *f.integer(r) != 0 ? "Yes" : "No"; break;
+        case Store::IntChoice: {
+            const int v = *f.integer(r);
+            d.text = v >= 1 && v <= static_cast<int>(f.choices.size()) ? f.choices[static_cast<std::size_t>(v - 1)]
+                                                                        : std::to_string(v);
+            break;
+        }
+    }
+    return d;
+}
+
+template <class R>
+void write(RunContext& ctx, const FieldDef<R>& f, R& r, const std::string& text, const DisplayUnits& units) {
+    const EntryUnit u = unit_of(f.unit, units);
+    switch (f.store) {
+        case Store::Pair: f.pair(r)->spec = internal_case(ctx, text, u); break;
+        case Store::Case: *f.text(r) = internal_case(ctx, text, u); break;
+        case Store::Text: *f.text(r) = trim(text); break;
+        case Store::Fixed12: *f.text(r) = fixed_width(trim(text), 12); break;
+        case Store::Notes: *f.text(r) = text; break;
+        case Store::Number: *f.number(r) = internal_number(ctx, text, u); break;
+        case Store::Integer: *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text)))); break;
+        case Store::Flag: *f.integer(r) = key_of(text) == "YES" ? -1 : 0; break;
+        case Store::IntChoice: {
+            for (std::size_t i = 0; i < f.choices.size(); ++i)
+                if (key_of(text) == key_of(f.choices[i])) {
+                    *f.integer(r) = static_cast<int>(i) + 1;
+                    return;
+                }
+            *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text))));
+            break;
+        }
+    }
+}
+
+// CheckInput on an entry; a case string is judged entry by entry, its empty
+// entries and the letters it takes passing.
+std::string check_entry(const std::string& kind, const std::string& unit, const std::string& text, bool is_case,
+                        const std::string& letters, double patm) {
+    if (kind.empty()) return "";
+    if (!is_case) return CheckInput(kind, unit, text, patm);
+    const int n = case_count(text);
+    for (int i = 1; i <= n; ++i) {
+        const std::string entry = getting_case_data(text, i);
+        if (entry.empty()) continue;
+        const std::string cap = upper(entry);
+        if (cap.size() == 1 && letters.find(cap[0]) != std::string::npos) continue;
+        std::string says = CheckInput(kind, unit, entry, patm);
+        if (!says.empty()) return says;
+    }
+    return "";
+}
+
+class TextMap : public Texts {
+public:
+    std::map<std::string, std::string, std::less<>> texts;
+    const std::string& of(std::string_view name) const override {
+        static const std::string none;
+        const auto it = texts.find(name);
+        return it == texts.end() ? none : it->second;
+    }
+};
+
+template <class R>
+std::optional<Dialog> load_kind(RunContext& ctx, const Project& p, const DisplayUnits& units, const KindDef<R>& k,
+                                std::string_view kind, int index) {
+    const std::vector<R>& recs = p.*k.records;
+    if (index < 1 || index > count(recs)) return std::nullopt;
+    const R& rec = recs[static_cast<std::size_t>(index)];
+    Dialog d{.form = k.form, .kind = std::string(kind), .index = index, .fields = {}};
+    for (const FieldDef<R>& f : k.fields) d.fields.push_back(show(ctx, f, rec, units));
+    if (k.decorate) k.decorate(p, rec, d.fields);
+    return d;
+}
+
+template <class R>
+std::string apply_kind(RunContext& ctx, Project& p, const DisplayUnits& units, const KindDef<R>& k,
+                       std::string_view kind, int index, const std::vector<std::pair<std::string, std::string>>& given) {
+    std::vector<R>& recs = p.*k.records;
+    if (index < 1 || index > count(recs))
+        return "Error in OK = 1 : no " + std::string(kind) + " record " + std::to_string(index) + ".";
+    R& rec = recs[static_cast<std::size_t>(index)];
+
+    // The text of each entry: typed, or as on show.
+    TextMap typed;
+    std::vector<bool> changed;
+    for (const FieldDef<R>& f : k.fields) {
+        const std::string on_show = show(ctx, f, rec, units).text;
+        std::string text = on_show;
+        for (const auto& [name, t] : given)
+            if (name == f.name) text = t;
+        changed.push_back(text != on_show);
+        typed.texts[f.name] = text;
+    }
+
+    for (const FieldDef<R>& f : k.fields) {
+        const bool is_case = f.store == Store::Pair || f.store == Store::Case;
+        std::string says = check_entry(f.check, unit_of(f.unit, units).shown, typed.of(f.name), is_case, f.letters,
+                                       p.gen.PATM);
+        if (!says.empty()) return says;
+    }
+
+    const std::string name = key_of(typed.of("NAME1"));
+    for (int i = 1; i <= count(recs); ++i)
+        if (i != index && key_of(recs[static_cast<std::size_t>(i)].NAME[1]) == name)
+            return std::is_same_v<R, Line> ? "Error! Line number not unique." : "Error! Equipment number not unique.";
+
+    R edited = rec;
+    for (std::size_t i = 0; i < k.fields.size(); ++i)
+        if (changed[i]) write(ctx, k.fields[i], edited, typed.of(k.fields[i].name), units);
+    if (k.finish) k.finish(edited, rec);
+    if (k.rules) {
+        std::string says = k.rules(ctx, p, edited, typed);
+        if (!says.empty()) return says;
+    }
+    rec = std::move(edited);
+    ctx.project_dirty = true;
+    return "";
+}
+
+// Calls f with the table of the kind; false for a kind with no dialog.
+template <class F>
+bool with_kind(std::string_view kind, F&& f) {
+    if (kind == "Feed") return f(feed_dialog()), true;
+    if (kind == "Prod") return f(prod_dialog()), true;
+    if (kind == "Line") return f(line_dialog()), true;
+    if (kind == "Valve") return f(valve_dialog()), true;
+    if (kind == "Check") return f(check_dialog()), true;
+    if (kind == "Pump") return f(pump_dialog()), true;
+    if (kind == "Comp") return f(comp_dialog()), true;
+    if (kind == "FO") return f(fo_dialog()), true;
+    if (kind == "HX") return f(hx_dialog()), true;
+    if (kind == "Misc") return f(misc_dialog()), true;
+    if (kind == "Expand") return f(expand_dialog()), true;
+    if (kind == "Tee") return f(tee_dialog()), true;
+    if (kind == "Junc") return f(junc_dialog()), true;
+    if (kind == "Vessel") return f(vessel_dialog()), true;
+    return false;
+}
+
+}  // namespace
+}  // namespace dialog
+
+std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, std::string_view kind,
+                                  int index) {
+    std::optional<Dialog> d;
+    dialog::with_kind(kind, [&](const auto& k) { d = dialog::load_kind(ctx, p, units, k, kind, index); });
+    return d;
+}
+
+std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
+                         const std::vector<std::pair<std::string, std::string>>& texts) {
+    std::string says;
+    try {
+        if (!dialog::with_kind(kind, [&](const auto& k) { says = dialog::apply_kind(ctx, p, units, k, kind, index, texts); }))
+            says = "Error in OK = 1 : no dialog for " + std::string(kind) + ".";
+    } catch (const std::exception& e) {
+        says = std::string("Error in OK = 0 : ") + e.what();
+    }
+    return says;
+}
+
+std::vector<std::string> equation_forms(std::string_view kind) {
+    if (kind != "Line" && kind != "Feed" && kind != "Prod") return {};
+    std::vector<std::string> forms = {
+        "Eqn 1: W = C1 + C2*W, with W=t/h, pipes only",
+        "Eqn 2: P = C1 + C2*P, with P=kPag, equip only",
+        "Eqn 3: P = C2*(1 - (W/C1)^C3), with W=t/h, P=kPaa",
+        "Eqn 4: P = C2*(1 - (W/C1)^C3)^0.5, with W=t/h, P=kPaa",
+    };
+    if (kind != "Line") forms.push_back("Eqn 5: dP = C1 + C2*W^2, with P=kPa, W=t/h. Prod dP only");
+    return forms;
+}
+
+}  // namespace velm

@@ -1,0 +1,60 @@
+// The equipment dialogs as data: every entry of a kind's dialog with its
+// label, check, unit, hint and text on show, and the OK that checks the
+// typed texts, applies the rules of the kind and only then writes the record.
+// A page draws a dialog from its description; no dialog is code of its own.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "model/units.hpp"
+
+namespace velm {
+
+struct RunContext;
+struct Project;
+
+// One entry of a dialog.
+struct DialogField {
+    std::string name;        // the record's file key and position, e.g. "PIN", "TEMP1", "NAME1", "CURQ3"
+    std::string label;       // what the page writes beside it ("Inlet pressure")
+    std::string check;       // the CheckInput kind ("Pres", "Temp", "Elev", "Ratio", ... or "" for free text)
+    std::string unit_class;  // quantity of its unit box ("pressure", "length", "temperature", ... or "")
+    std::string unit;        // the display unit it is shown in (from DisplayUnits, or a fixed word such as "rpm")
+    std::string hint;        // the help-line text, exact words
+    std::string tab;         // tab of the dialog ("General", "Curve", ...)
+    bool pair = false;       // a specified/calculated pair: text is the case string, calculated the value in force
+    std::string text;        // text on show
+    std::string calculated;  // value in force (position 2) on show, for pairs
+    std::vector<std::string> choices;  // for fixed lists (valve TYPE2, pipe schedule...), empty otherwise
+};
+
+struct Dialog {
+    std::string form;  // "frmValve", ...
+    std::string kind;  // "Valve", ...
+    int index = 0;
+    std::vector<DialogField> fields;
+};
+
+// The dialog of record `index` (1..count) of `kind` ("Feed", "Prod", "Line", "Valve", "Check", "Pump", "Comp",
+// "FO", "HX", "Misc", "Expand", "Tee", "Junc", "Vessel"), texts on show in the display units `units`. Nothing
+// for an unknown kind or a record that does not exist.
+std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, std::string_view kind,
+                                  int index);
+
+// OK of the dialog: every entry checked by CheckInput in the dialog's order (the first bad one's message is
+// returned), then the name's uniqueness among the records of the kind, then the rules of the kind; only then
+// are the fields written in internal units, position 2 of the pairs left as the run wrote it. `texts` maps
+// names to typed texts; a field not given, or given its text on show, keeps the record's value as it stands.
+// Returns "" on success (the project changed and marked dirty), else the message and the project untouched.
+std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
+                         const std::vector<std::pair<std::string, std::string>>& texts);
+
+// The forms of the user equations that the page shows beside the equation entries of a "Line", "Feed" or
+// "Prod" dialog; empty for the other kinds.
+std::vector<std::string> equation_forms(std::string_view kind);
+
+}  // namespace velm
