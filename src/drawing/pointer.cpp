@@ -47,9 +47,12 @@ bool hit_ports(Project& p, DrawState& st, ItemRef r, float x, float y) {
     for (int k = 0; k < ports.n; ++k) {
         const PortRef& port = ports.at[static_cast<std::size_t>(k)];
         if ((*port.x == 0.0f && *port.y == 0.0f) || !near(x, y, *port.x, *port.y)) continue;
-        // The line being drawn or carried does not count as the port's line.
+        // The port that holds the line being drawn or carried (the one it
+        // starts from) is no place to end it: the release of the click that
+        // started the pipe lands there.
         const bool own = st.ActionKind == "Line" && *port.con == st.ActionIndex && carrying_pipe_end(st.DrawAction);
-        if (*port.con != 0 && !own) {
+        if (own) continue;
+        if (*port.con != 0) {
             if (st.DrawAction == kDrawingPipe || st.DrawAction == kCarryOutlet) hover(st, 10, r, 0, {r, k});
             else if (st.DrawAction == kIdle) hover(st, port.side, r, 0, {r, k});
             else continue;
