@@ -47,7 +47,9 @@ bool hit_ports(Project& p, DrawState& st, ItemRef r, float x, float y) {
     for (int k = 0; k < ports.n; ++k) {
         const PortRef& port = ports.at[static_cast<std::size_t>(k)];
         if ((*port.x == 0.0f && *port.y == 0.0f) || !near(x, y, *port.x, *port.y)) continue;
-        // The port that holds the other end of the line being drawn or carried is not a place to end it.
+        // The port that holds the line being drawn or carried (the one it
+        // starts from) is no place to end it: the release of the click that
+        // started the pipe lands there.
         const bool own = st.ActionKind == "Line" && *port.con == st.ActionIndex && carrying_pipe_end(st.DrawAction);
         if (own) continue;
         if (*port.con != 0) {
