@@ -117,12 +117,17 @@ void pipe_choices(const Project& p, const R& line, std::vector<DialogField>& fie
     }
 }
 
-// The fluid of a line comes from another line, or it must be given.
+// The fluid of a line comes from another line, or it must be given: a
+// liquid fraction always, and a composition when the project lists
+// components for its flashes.
 bool fluid_given(const Project& p, const R& line, const Texts& typed) {
     if (line.REFLINE != 0) return true;
     if (trim_view(typed.of("LF1")).empty()) return false;
     const std::string flash = key_of(p.gen.MFLASH);
     if (flash.empty() || flash == "NONE") return true;
+    bool components = false;
+    for (int i = 1; i <= kMaxComps; ++i) components = components || p.gen.COMP[static_cast<std::size_t>(i)] != 0;
+    if (!components) return true;
     double total = 0.0;
     for (int i = 1; i <= kMaxComps; ++i) total += line.COMP0[static_cast<std::size_t>(i)];
     return total > 0.0;

@@ -76,11 +76,14 @@ double internal_number(RunContext& ctx, const std::string& text, const EntryUnit
     return convert_value(ctx, v, u.shown, u.internal);
 }
 
+// A case string between two units; a fixed unit word takes no factor.
 std::string shown_case(RunContext& ctx, const std::string& text, const EntryUnit& u) {
+    if (u.shown == u.internal) return converting_units(ctx, text, "", "", 0);
     return converting_units(ctx, text, u.internal, u.shown, 0);
 }
 
 std::string internal_case(RunContext& ctx, const std::string& text, const EntryUnit& u) {
+    if (u.shown == u.internal) return converting_units(ctx, text, "", "", 0);
     return converting_units(ctx, text, u.shown, u.internal, 0);
 }
 
