@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dialogs/dialogs.hpp"
 #include "drawing/edit_ops.hpp"
 #include "drawing/layout.hpp"
 #include "model/file_replace.hpp"
@@ -166,6 +167,46 @@ nlohmann::json Session::item_card(const std::string& kind, int index) {
     return {{"kind", kind}, {"index", index}, {"rows", LabelRows(ctx, project_, units_, view_, kind, index, "Result")}};
 }
 
+nlohmann::json Session::dialog(const std::string& kind, int index) {
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    const auto d = load_dialog(ctx, project_, units_, kind, index);
+    if (!d) return {{"message", "No equipment to edit."}};
+    nlohmann::json fields = nlohmann::json::array();
+    for (const DialogField& f : d->fields)
+        fields.push_back({{"name", f.name}, {"label", f.label}, {"check", f.check}, {"unit_class", f.unit_class},
+                          {"unit", f.unit}, {"hint", f.hint}, {"tab", f.tab}, {"pair", f.pair}, {"text", f.text},
+                          {"calculated", f.calculated}, {"choices", f.choices}});
+    return {{"form", d->form}, {"kind", d->kind}, {"index", d->index}, {"fields", std::move(fields)},
+            {"forms", equation_forms(kind)}};
+}
+
+nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields) {
+    if (running_) return {{"message", "Simulation still running !"}};
+    std::vector<std::pair<std::string, std::string>> texts;
+    if (fields.is_object())
+        for (const auto& [name, text] : fields.items())
+            if (text.is_string()) texts.emplace_back(name, text.get<std::string>());
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    remember();
+    const std::string message = apply_dialog(ctx, project_, units_, kind, index, texts);
+    if (!message.empty()) {
+        forget_unchanged();
+        return {{"message", message}};
+    }
+    pending_ = false;
+    state_.ProjectDirty = true;
+    return dialog(kind, index);
+}
+
+nlohmann::json Session::plot(const std::string& kind, int index) {
+    const auto k = kind_from_name(kind);
+    if (!k) return nullptr;
+    if (*k == ItemKind::Line) return line_profile(project_, units_, index);
+    return machine_plot(project_, units_, {*k, index}, points_);
+}
+
 void Session::remember() {
     pending_ = true;
     undo_.push_back(project_);
@@ -272,20 +313,24 @@ void Session::start_run(int mode, bool resume) {
     state_.RunActive = true;
     state_.ProjectDirty = true;
     run_thread_ = std::thread([this, copy = project_]() mutable {
-        const RunResult r = Hydr_Sim(*run_ctx_, copy);
+        OperatingPoints points;
+        const RunResult r = Hydr_Sim(*run_ctx_, copy, [&](int, const CaseResult& c) {
+            record_operating_points(copy, c.case_no, points);
+        });
         {
             std::lock_guard<std::mutex> g(log_lock_);
             run_log_.push_back(r.title);
             if (!r.message.empty()) run_log_.push_back(r.message);
         }
         std::lock_guard<std::mutex> g(lock);
-        finish_run(std::move(copy), r.title);
+        finish_run(std::move(copy), std::move(points));
     });
 }
 
-void Session::finish_run(Project&& result, const std::string&) {
+void Session::finish_run(Project&& result, OperatingPoints&& points) {
     // Edits were refused during the run: the copy differs only by what the run wrote.
     project_ = std::move(result);
+    points_ = std::move(points);
     state_.RunActive = false;
     state_.LabelMode = "Result";
     running_ = false;

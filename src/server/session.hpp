@@ -21,6 +21,7 @@
 #include "model/records.hpp"
 #include "model/settings.hpp"
 #include "model/units.hpp"
+#include "server/plots.hpp"
 
 namespace velm {
 
@@ -68,6 +69,17 @@ public:
     // The name and result rows of one item, for the hover card.
     nlohmann::json item_card(const std::string& kind, int index);
 
+    // The dialog of an item as the page draws it (fields with their texts on
+    // show), or {"message"} when the item has none.
+    nlohmann::json dialog(const std::string& kind, int index);
+    // OK of that dialog with the typed texts: {"message"} with nothing changed,
+    // or the dialog as it now stands.
+    nlohmann::json apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields);
+
+    // The plot of an item's dialog: a machine's curves with the last run's
+    // operating points, a line's pressure profile; null for other kinds.
+    nlohmann::json plot(const std::string& kind, int index);
+
     // Pointer and key events; the reply says what changed.
     nlohmann::json pointer(Interaction& io, const std::string& type, const PointerEvent& e);
     nlohmann::json key(Interaction& io, int key, bool shift, bool ctrl);
@@ -108,7 +120,7 @@ private:
     bool save(Interaction& io, const std::string& file);
     bool ask_save_changes(Interaction& io);
     void start_run(int mode, bool resume);
-    void finish_run(Project&& result, const std::string& title);
+    void finish_run(Project&& result, OperatingPoints&& points);
 
     ProjectLoader loader_;
     std::filesystem::path data_dir_;
@@ -120,6 +132,7 @@ private:
     DisplayUnits units_;
     bool drawing_on_ = true;
     std::string spec_text_;
+    OperatingPoints points_;  // of the last run, by pump and compressor
 
     std::deque<Project> undo_, redo_;
     bool pending_ = false;  // the last snapshot was taken by the request under way

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <thread>
 
+#include "dialogs/check_input.hpp"
 #include "server/web_files.hpp"
 
 namespace velm {
@@ -148,6 +149,37 @@ void WebServer::routes() {
     s.Get(R"(/api/item/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
         reply_json(res, session_.item_card(req.matches[1], std::stoi(req.matches[2])));
+    });
+
+    s.Get(R"(/api/dialog/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
+        std::lock_guard<std::mutex> g(session_.lock);
+        const Json d = session_.dialog(req.matches[1], std::stoi(req.matches[2]));
+        reply_json(res, d, d.contains("fields") ? 200 : 404);
+    });
+
+    s.Put(R"(/api/dialog/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
+        Json in;
+        if (!body_json(req, res, in)) return;
+        std::lock_guard<std::mutex> g(session_.lock);
+        const Json d = session_.apply_dialog_texts(req.matches[1], std::stoi(req.matches[2]), in.value("fields", Json::object()));
+        reply_json(res, d, d.contains("fields") ? 200 : 422);
+    });
+
+    s.Get(R"(/api/plot/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
+        std::lock_guard<std::mutex> g(session_.lock);
+        reply_json(res, session_.plot(req.matches[1], std::stoi(req.matches[2])));
+    });
+
+    s.Post("/api/check-input", [this](const httplib::Request& req, httplib::Response& res) {
+        Json in;
+        if (!body_json(req, res, in)) return;
+        const auto text = [&](const char* k) { return in.contains(k) && in[k].is_string() ? in[k].get<std::string>() : ""; };
+        double patm = 101.325;
+        {
+            std::lock_guard<std::mutex> g(session_.lock);
+            patm = session_.project().gen.PATM;
+        }
+        reply_json(res, {{"message", CheckInput(text("kind"), text("unit"), text("value"), patm)}});
     });
 
     s.Get("/api/run", [this](const httplib::Request&, httplib::Response& res) { reply_json(res, session_.run_state()); });

@@ -4,6 +4,7 @@
 
 import { get, Json, put } from "./api";
 import * as ui from "./ui";
+import { machinePlot, profilePlot } from "./plot";
 
 const modal = () => document.getElementById("modal") as HTMLDivElement;
 const dialogBox = () => document.getElementById("dialog") as HTMLDivElement;
@@ -55,6 +56,7 @@ export async function editItem(kind: string, index: number): Promise<boolean> {
     await ui.message(d.message ?? `No dialog for ${kind} ${index}.`);
     return false;
   }
+  const plot: Json = await get(`/api/plot/${kind}/${index}`);
   return new Promise((resolve) => {
     const box = dialogBox();
     box.replaceChildren();
@@ -69,27 +71,30 @@ export async function editItem(kind: string, index: number): Promise<boolean> {
     const tabBar = document.createElement("div");
     tabBar.className = "tabs";
     const pages = document.createElement("div");
-    for (const f of d.fields) {
-      const tab = f.tab || "General";
-      if (!tabs.has(tab)) {
-        const page = document.createElement("div");
-        page.className = "page";
-        page.dataset.tab = tab;
-        page.hidden = tabs.size > 0;
-        tabs.set(tab, page);
-        pages.appendChild(page);
-        const b = document.createElement("button");
-        b.textContent = tab;
-        b.dataset.tab = tab;
-        b.className = tabs.size === 1 ? "on" : "";
-        b.addEventListener("click", () => {
-          for (const [name, p] of tabs) p.hidden = name !== tab;
-          for (const x of tabBar.children) x.classList.toggle("on", (x as HTMLElement).dataset.tab === tab);
-        });
-        tabBar.appendChild(b);
-      }
-      tabs.get(tab)!.appendChild(fieldRow(f, help, inputs));
-    }
+    const show = (tab: string) => {
+      for (const [name, p] of tabs) p.hidden = name !== tab;
+      for (const x of tabBar.children) x.classList.toggle("on", (x as HTMLElement).dataset.tab === tab);
+    };
+    const pageOf = (tab: string): HTMLElement => {
+      let page = tabs.get(tab);
+      if (page) return page;
+      page = document.createElement("div");
+      page.className = "page";
+      page.dataset.tab = tab;
+      page.hidden = tabs.size > 0;
+      tabs.set(tab, page);
+      pages.appendChild(page);
+      const b = document.createElement("button");
+      b.textContent = tab;
+      b.dataset.tab = tab;
+      b.className = tabs.size === 1 ? "on" : "";
+      b.addEventListener("click", () => show(tab));
+      tabBar.appendChild(b);
+      return page;
+    };
+    for (const f of d.fields) pageOf(f.tab || "General").appendChild(fieldRow(f, help, inputs));
+    if (plot && (plot.cases?.length || plot.lines?.length))
+      pageOf("Plot").appendChild(plot.cases ? machinePlot(plot) : profilePlot(plot));
     const buttons = document.createElement("div");
     buttons.className = "buttons";
     const ok = document.createElement("button");
