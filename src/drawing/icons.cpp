@@ -129,11 +129,12 @@ Icon expand_icon() {
 }
 
 // A header node: four inlets on its left face, four outlets on its right.
+// Wide enough that its middle lies clear of the ports, for a click on its body.
 Icon junc_icon() {
-    IconBuilder b(0, -100, 200, 400);
-    b.white_box(0, -100, 200, 400).filled_box(90, -100, 110, 400);
+    IconBuilder b(0, -100, 400, 400);
+    b.white_box(0, -100, 400, 400).filled_box(190, -100, 210, 400);
     for (int k = 0; k < 4; ++k) b.port(0, 100.0f * k);
-    for (int k = 0; k < 4; ++k) b.port(200, 100.0f * k);
+    for (int k = 0; k < 4; ++k) b.port(400, 100.0f * k);
     return b.done();
 }
 

@@ -47,7 +47,8 @@ export async function openPage(url) {
   const page = await browser.newPage({ viewport: { width: 1500, height: 950 } });
   const errors = [];
   page.on("pageerror", (e) => errors.push(String(e)));
-  page.on("console", (m) => m.type() === "error" && errors.push(m.text()));
+  // A refused dialog entry is answered 422 on purpose; the browser logs every such answer.
+  page.on("console", (m) => m.type() === "error" && !m.text().includes("status of 422") && errors.push(m.text()));
   await page.goto(url);
   await page.waitForSelector('#sheet g[data-kind="Sheet"]');
   return { browser, page, errors };

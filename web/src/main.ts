@@ -172,6 +172,11 @@ let busy = false;
 let waitingMove: Json | null = null;
 let chain: Promise<unknown> = Promise.resolve();
 
+// Requests go one after the other; a failure is reported and the queue goes on.
+function enqueue(step: () => Promise<unknown>): void {
+  chain = chain.then(step).catch((e) => console.error("Velm page:", e));
+}
+
 function sendPointer(type: string, e: MouseEvent): void {
   const body = { type, ...twips(e), button: e.button === 2 ? 2 : 1, shift: e.shiftKey, ctrl: e.ctrlKey || e.metaKey };
   if (type === "move") {
@@ -180,7 +185,7 @@ function sendPointer(type: string, e: MouseEvent): void {
       return;
     }
   }
-  chain = chain.then(() => pointer(body));
+  enqueue(() => pointer(body));
 }
 
 async function pointer(body: Json): Promise<void> {
@@ -196,7 +201,7 @@ async function pointer(body: Json): Promise<void> {
   if (waitingMove) {
     const next = waitingMove;
     waitingMove = null;
-    chain = chain.then(() => pointer(next));
+    enqueue(() => pointer(next));
   }
 }
 
@@ -246,12 +251,12 @@ document.addEventListener("keydown", (e) => {
   const ctrl = e.ctrlKey || e.metaKey;
   if (ctrl && (e.key === "z" || e.key === "Z")) {
     e.preventDefault();
-    chain = chain.then(() => command("mnuEditUndo"));
+    enqueue(() => command("mnuEditUndo"));
     return;
   }
   if (ctrl && (e.key === "y" || e.key === "Y")) {
     e.preventDefault();
-    chain = chain.then(() => command("mnuEditRedo"));
+    enqueue(() => command("mnuEditRedo"));
     return;
   }
   const codes: Record<string, number> = { Escape: 27, Enter: 13, Delete: 46 };
@@ -260,7 +265,7 @@ document.addEventListener("keydown", (e) => {
   if (!key) return;
   e.preventDefault();
   hideContext();
-  chain = chain.then(async () => {
+  enqueue(async () => {
     const r = await request("/api/key", { key, shift: e.shiftKey, ctrl });
     if (r.edit) await openDialog(r.edit.kind, r.edit.index);
   });
@@ -284,7 +289,7 @@ function entryButton(entry: Exclude<Entry, "-">): HTMLButtonElement {
   b.addEventListener("click", () => {
     for (const m of document.querySelectorAll(".menu")) m.classList.remove("open");
     hideContext();
-    chain = chain.then(() => command(entry[0]));
+    enqueue(() => command(entry[0]));
   });
   return b;
 }
@@ -334,7 +339,7 @@ function build(): void {
     b.dataset.action = String(action);
     b.title = PALETTE_TIP;
     b.addEventListener("click", () => {
-      chain = chain.then(() => request("/api/tool", { tool: drawAction === action ? 0 : action }));
+      enqueue(() => request("/api/tool", { tool: drawAction === action ? 0 : action }));
     });
     palette.appendChild(b);
   }

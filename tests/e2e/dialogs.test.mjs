@@ -1,0 +1,138 @@
+// The equipment dialogs in the page: opened by a double click, judged by the
+// server on OK, with the pump's curves and operating points after a run.
+import { test, after } from "node:test";
+import assert from "node:assert/strict";
+import { readdirSync } from "node:fs";
+import { answer, at, click, idle, menu, openPage, root, scratchProject, serve, sheetJson } from "./support.mjs";
+
+const cleanup = [];
+after(async () => {
+  for (const f of cleanup.reverse()) await f();
+});
+
+async function start(example) {
+  const { dir, file } = await scratchProject(example);
+  const server = await serve(file, dir);
+  const { browser, page, errors } = await openPage(server.url);
+  cleanup.push(async () => {
+    await browser.close();
+    server.proc.kill("SIGKILL");
+  });
+  return { dir, file, server, page, errors };
+}
+
+async function api(server, path, init = {}) {
+  const res = await fetch(`http://127.0.0.1:${server.port}${path}`,
+    { ...init, headers: { "X-Velm-Token": server.token, ...(init.headers ?? {}) } });
+  return res.json();
+}
+
+// A point on an item that the hit test gives to it: the middle of an
+// equipment's box, the middle of a line's first segment.
+function spotOf(item) {
+  if (item.kind === "Line") {
+    const [[x0, y0], [x1, y1]] = item.ports;
+    return [(x0 + x1) / 2, (y0 + y1) / 2];
+  }
+  return [(item.box[0] + item.box[2]) / 2, (item.box[1] + item.box[3]) / 2];
+}
+
+async function openDialogOf(page, item) {
+  const p = await at(page, ...spotOf(item));
+  await page.mouse.dblclick(p.x, p.y);
+  await page.waitForSelector("#dialog[data-kind=form]");
+}
+
+const field = (page, name) => page.locator(`#dialog [data-field="${name}"]`);
+
+// Types into an entry of the dialog, on whatever tab it sits.
+async function fill(page, name, text) {
+  const tab = await page.locator(`#dialog .page:has([data-field="${name}"])`).getAttribute("data-tab");
+  const button = page.locator(`#dialog .tabs button[data-tab="${tab}"]`);
+  if (await button.count()) await button.click();
+  await field(page, name).fill(text);
+}
+
+test("the pump's dialog refuses a bad efficiency, takes a good one, and plots the run", async () => {
+  const { page, server, errors } = await start("examples/pump_loop.vdf");
+  const pump = (await sheetJson(server)).items.find((i) => i.kind === "Pump");
+  await openDialogOf(page, pump);
+  await fill(page, "CURRPM2", "2800");
+  await fill(page, "EFFP", "1.5");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#dialog .help.refused");
+  assert.equal(await page.locator("#dialog .help").textContent(), "Invalid ratio (0 to 1).");
+  const unchanged = await api(server, "/api/dialog/Pump/1");
+  assert.equal(unchanged.fields.find((f) => f.name === "CURRPM2").text, "2950");
+  await fill(page, "EFFP", "C");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const changed = await api(server, "/api/dialog/Pump/1");
+  assert.equal(changed.fields.find((f) => f.name === "CURRPM2").text, "2800");
+
+  await menu(page, "mnuRunSimRun");
+  await page.waitForFunction(() => document.body.dataset.run === "false" &&
+    document.querySelector("#runlog")?.textContent?.includes("solution reached"));
+  await idle(page);
+  const flow = await page.locator('#sheet g[data-kind="Line"][data-index="1"] text', { hasText: "Wl=" }).textContent();
+  assert.notEqual(flow, "Wl=78,736 kg/h", "the slower pump moves less water");
+  await openDialogOf(page, pump);
+  await page.locator('#dialog .tabs button[data-tab="Plot"]').click();
+  assert.equal(await page.locator("#dialog svg.plot circle.operating").count(), 2);
+  assert.equal(await page.locator("#dialog svg.plot polyline.head").count(), 2);
+  await page.keyboard.press("Escape");
+  assert.deepEqual(errors, []);
+});
+
+test("a valve from the palette takes its dialog's entries, a case string whole", async () => {
+  const { page, server } = await start("examples/pump_loop.vdf");
+  await page.locator('[data-tool="Control Valve"]').click();
+  await click(page, 4000, 6000);
+  await page.keyboard.press("Escape");
+  await idle(page);
+  const valve = (await sheetJson(server)).items.find((i) => i.kind === "Valve" && i.index === 2);
+  await openDialogOf(page, valve);
+  await fill(page, "NAME1", "FV-200");
+  await fill(page, "OPEN", "50;;E");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  const refused = page.locator("#dialog .help.refused");
+  await page.waitForFunction(() => document.querySelector("#modal").hidden || document.querySelector("#dialog .help.refused"));
+  if (await refused.count()) {
+    // "E" is not an opening: the program's words, and the entry corrected.
+    assert.match(await refused.textContent(), /./);
+    await fill(page, "OPEN", "50;60");
+    await page.locator('#dialog button[data-answer="OK"]').click();
+  }
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const d = await api(server, "/api/dialog/Valve/2");
+  assert.equal(d.fields.find((f) => f.name === "NAME1").text, "FV-200");
+  assert.match(d.fields.find((f) => f.name === "OPEN").text, /^50(\.0)?;(;E|60(\.0)?)$/);
+  assert.equal((await sheetJson(server)).items.find((i) => i.kind === "Valve" && i.index === 2).name, "FV-200");
+  await menu(page, "mnuEditUndo");
+  assert.equal((await api(server, "/api/dialog/Valve/2")).fields.find((f) => f.name === "NAME1").text, "CV2");
+});
+
+test("every dialog opens on every example without an error in the page", async () => {
+  const examples = readdirSync(`${root}/examples`).filter((f) => f.endsWith(".vdf"));
+  for (const example of examples) {
+    const { page, server, errors } = await start(`examples/${example}`);
+    const sheet = await sheetJson(server);
+    for (const item of sheet.items) {
+      const d = await api(server, `/api/dialog/${item.kind}/${item.index}`);
+      assert.ok(d.fields?.length > 0, `${example}: ${item.kind} ${item.index} has a dialog`);
+    }
+    // Through the page for one item of each kind.
+    const seen = new Set();
+    for (const item of sheet.items) {
+      if (seen.has(item.kind)) continue;
+      seen.add(item.kind);
+      await openDialogOf(page, item).catch((e) => {
+        throw new Error(`${example}: ${item.kind} ${item.index} at ${spotOf(item)}: ${e.message.split("\n")[0]} ${errors}`);
+      });
+      assert.equal(await page.locator("#dialog").getAttribute("data-form"), `frm${item.kind === "Junc" ? "Split" : item.kind === "Line" ? "Line" : item.kind}`);
+      await page.keyboard.press("Escape");
+      await page.waitForSelector("#modal", { state: "hidden" });
+    }
+    assert.deepEqual(errors, [], example);
+  }
+});
