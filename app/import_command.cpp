@@ -12,26 +12,6 @@ namespace velm {
 
 namespace {
 
-// A HYSYS case (the active one when no file is named) or an Aspen Plus
-// document, through this build's automation layer.
-bool import_from_simulator(RunContext& ctx, Project& p, const ImportOptions& opt, const ImportChoices& choices) {
-    const double patm = p.gen.PATM;
-    if (opt.simulator == "Hysys") {
-        const auto server = no_hysys_server();
-        if (!hysys_open(ctx, *server, opt.streams)) return false;
-        import_simulator_streams(
-            ctx, p, [&](const std::string& name, StreamValues& v) { return hysys_stream(ctx, *server, name, patm, v); },
-            opt.streams.empty() ? "Hysys" : opt.streams, choices);
-        return true;
-    }
-    const auto doc = no_aspen_document();
-    if (!aspen_open(ctx, *doc, opt.streams)) return false;
-    import_simulator_streams(
-        ctx, p, [&](const std::string& name, StreamValues& v) { return aspen_stream(ctx, *doc, name, patm, v); },
-        opt.streams, choices);
-    return true;
-}
-
 // 0 imported (and saved), 1 the question was answered No or the import went
 // wrong, 2 a file that could not be read or written.
 int command_import(const ImportOptions& opt) {
@@ -50,7 +30,7 @@ int command_import(const ImportOptions& opt) {
         if (!import_project(ctx, p, opt.streams)) return 2;
     } else if (opt.simulator == "File") {
         if (!import_streams(ctx, p, opt.streams, choices)) return 2;
-    } else if (!import_from_simulator(ctx, p, opt, choices)) {
+    } else if (!import_from_simulator(ctx, p, opt.simulator, opt.streams, choices)) {
         ctx.ui.tell("Error importing file. Review results carefully.");
         return 1;
     }

@@ -60,8 +60,8 @@ std::vector<FieldDef<R>> line_fields() {
         .number("FAC", "Design factor", "Flow", "", A(FAC), "Design factor is multiplied with calc dP (Default=1).")
         .text("MTP", "Two-phase method", A(MTP), "",
               {"", "Homogeneous", "Dukler", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin", "Beggs-Brill"})
-        .text("STRM", "Simulator stream", A(STRM))
-        .flag("LOCK", "Locked against import", A(LOCK))
+        .text("STRM", "Simulator stream", A(STRM), "Stream name in simulator (case sensitive).")
+        .flag("LOCK", "Locked against import", A(LOCK), "Lock stream name to prevent import from file.")
         .tab("Fittings");
     fitting_rows(f, std::make_index_sequence<kFittings>{});
     f.tab("Fluid").integer("REFLINE", "Fluid of line number", A(REFLINE)).flag("OUTIN", "Outlet apart from inlet", A(OUTIN));

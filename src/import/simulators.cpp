@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "import/stream_import.hpp"
 #include "model/context.hpp"
 #include "model/text.hpp"
 
@@ -263,6 +264,27 @@ bool FlashHysys(RunContext& ctx, HysysServer& server, const FlashSetup& setup, F
         }));
     if (ok) s = out;
     return ok;
+}
+
+// A HYSYS case (the active one when no file is named) or an Aspen Plus
+// document, through this build's automation layer.
+bool import_from_simulator(RunContext& ctx, Project& p, const std::string& simulator, const std::string& source,
+                           const ImportChoices& choices) {
+    const double patm = p.gen.PATM;
+    if (simulator == "Hysys") {
+        const auto server = no_hysys_server();
+        if (!hysys_open(ctx, *server, source)) return false;
+        import_simulator_streams(
+            ctx, p, [&](const std::string& name, StreamValues& v) { return hysys_stream(ctx, *server, name, patm, v); },
+            source.empty() ? "Hysys" : source, choices);
+        return true;
+    }
+    const auto doc = no_aspen_document();
+    if (!aspen_open(ctx, *doc, source)) return false;
+    import_simulator_streams(
+        ctx, p, [&](const std::string& name, StreamValues& v) { return aspen_stream(ctx, *doc, name, patm, v); },
+        source, choices);
+    return true;
 }
 
 }  // namespace velm

@@ -109,4 +109,11 @@ bool aspen_stream(RunContext& ctx, AspenDocument& doc, const std::string& name, 
 // composition by molar flow.
 SimulatorPhase merge_liquids(const SimulatorPhase& light, const SimulatorPhase& heavy);
 
+// Imports the streams of a HYSYS case (simulator "Hysys"; the active case when
+// source is empty) or of an Aspen Plus document ("Aspen") into the lines, as a
+// file import does; false when the simulator or its document cannot be opened.
+struct ImportChoices;
+bool import_from_simulator(RunContext& ctx, Project& p, const std::string& simulator, const std::string& source,
+                           const ImportChoices& choices);
+
 }  // namespace velm

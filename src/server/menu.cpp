@@ -7,6 +7,8 @@
 
 #include "correlations/sizing.hpp"
 #include "drawing/edit_ops.hpp"
+#include "import/simulators.hpp"
+#include "import/stream_import.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
@@ -248,6 +250,46 @@ struct MenuCommands {
         if (ec) io.tell("Error = " + ec.message());
     }
 
+    static bool flag(const Json& args, const char* name) {
+        return args.is_object() && args.contains(name) && args[name].is_boolean() && args[name].get<bool>();
+    }
+
+    // File > Import: without a simulator the page shows the import dialog;
+    // then stream data from a file or a simulator, or another project's
+    // records, and the import's run log on show.
+    static void import(Session& s, Interaction& io, const Json& args, Json& reply) {
+        if (!args.is_object() || !args.contains("simulator")) {
+            reply["import"] = {
+                {"simulators", {"Hysys", "Aspen", "File", "Project"}},
+                {"filter", "Aspen Files (*.apw)|*.apw|Hysys Files (*.hsc)|*.hsc|Data Files (*.dat)|*.dat|Text Files "
+                           "(*.txt)|*.txt|Other Files (*.*)|*.*"},
+                {"prompts",
+                 {{"inlet", "Import stream to pipe inlet conditions."},
+                  {"outlet", "Import stream to pipe outlet conditions."},
+                  {"props", "Import stream to pipe fluid properties."},
+                  {"file", "Required for File/Aspen. Optional for Hysys."}}}};
+            return;
+        }
+        const std::string simulator = arg(args, "simulator"), file = arg(args, "file");
+        if (simulator.empty()) return io.tell("No simulator selected.");
+        if (file.empty() && simulator != "Hysys") return io.tell("Required for File/Aspen. Optional for Hysys.");
+        ImportChoices choices{flag(args, "inlet"), flag(args, "outlet"), flag(args, "props")};
+        if (!choices.inlet && !choices.outlet && !choices.props) choices = {true, true, true};
+        if (io.ask(kImportQuestion, {"Yes", "No"}) != 0) return;
+        RunContext ctx(io);
+        ctx.data_dir = s.data_dir_;
+        bool ok = false;
+        if (simulator == "Project") ok = import_project(ctx, s.project_, file);
+        else if (simulator == "File") ok = import_streams(ctx, s.project_, file, choices);
+        else ok = import_from_simulator(ctx, s.project_, simulator, file, choices);
+        if (!ok) io.tell("Error importing file. Review results carefully.");
+        edited(s, reply);
+        if (simulator != "Project") {
+            view_file(s, io, "runlog.txt", "File not found. Run hydraulics/HMB to create file.", reply);
+            if (reply.contains("view")) reply["view"]["title"] = "Import RunLog";
+        }
+    }
+
     static void not_yet(Interaction& io, const std::string& what) {
         io.tell(what + " is not in this build yet: edit the project file or use the velm command line.");
     }
@@ -266,7 +308,7 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuFileSave", VELM_CMD(H::save(s, io, args, reply))},
         {"mnuFileSaveAs", VELM_CMD(H::save_as(s, io, args, reply))},
         {"mnuFileClose", VELM_CMD(H::close(s, io, args, reply))},
-        {"mnuFileImport", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "File import"))},
+        {"mnuFileImport", VELM_CMD(H::import(s, io, args, reply))},
         {"mnuFilePrint", VELM_CMD(H::page_only(s, io, args, reply))},
         {"mnuFileDSetup", VELM_CMD(H::page_only(s, io, args, reply))},
         {"mnuFileSaveBMP", VELM_CMD(H::page_only(s, io, args, reply))},

@@ -136,3 +136,28 @@ test("every dialog opens on every example without an error in the page", async (
     assert.deepEqual(errors, [], example);
   }
 });
+
+test("File > Import brings a stream table into the lines, shows its run log, and the labels show the values", async () => {
+  const { page, server, dir } = await start("examples/pump_loop.vdf");
+  const streams = `${dir}/streams.csv`;
+  (await import("node:fs")).writeFileSync(streams, "Stream,T [C],P [barg],LIQDEN [kg/m3]\r\nS-101,60,1.5,980\r\n");
+  await menu(page, "mnuFileImport");
+  await page.waitForSelector("#dialog[data-kind=import]");
+  await page.locator('#dialog input[name="file"]').fill(streams);
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#dialog[data-kind=question]");
+  assert.equal(await page.locator("#dialog .text").textContent(),
+    "File import is irreversible and replaces current entries.\nContinue ?");
+  await answer(page, "Yes");
+  await page.waitForSelector("#dialog[data-kind=viewer]");
+  assert.equal(await page.locator("#dialog h3").textContent(), "Import RunLog");
+  const log = await page.locator("#dialog pre.report").textContent();
+  assert.match(log, /S-101.* - Imported from S-101 in .*streams\.csv/);
+  assert.match(log, /D-104 skipped - not defined in Velm|D-104.* - No data in/);
+  assert.match(log, /Runlog - Import properties/);
+  await answer(page, "Close");
+  await menu(page, "mnuViewResult");
+  const s = await sheetJson(server);
+  const line = s.items.find((i) => i.kind === "Line" && i.name === "S-101");
+  assert.ok(line.labels.includes("Pi=150.0 kPag"), line.labels.join(" | "));
+});

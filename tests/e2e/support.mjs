@@ -57,6 +57,16 @@ export async function openPage(url) {
 // Waits until every request of the page is answered.
 export const idle = (page) => page.evaluate(() => window.velmIdle());
 
+// Waits until the page is idle or asks the user something (a dialog opens).
+export async function settled(page) {
+  await page.evaluate(() => new Promise((resolve) => {
+    const modal = document.getElementById("modal");
+    const ask = () => !modal.hidden;
+    window.velmIdle().then(resolve);
+    const timer = setInterval(() => ask() && (clearInterval(timer), resolve()), 20);
+  }));
+}
+
 // The page position of a sheet point in twips.
 export async function at(page, x, y) {
   const box = await page.locator("#sheet").boundingBox();
@@ -96,13 +106,13 @@ export async function menu(page, command) {
   const parent = page.locator(".menu", { has: item });
   if ((await parent.count()) > 0) await parent.locator(":scope > button").click();
   await item.click();
-  await idle(page);
+  await settled(page);
 }
 
 // Answers the question on show with the button of that label.
 export async function answer(page, label) {
   await page.locator(`#dialog button[data-answer="${label}"]`).click();
-  await idle(page);
+  await settled(page);
 }
 
 export async function sheetJson(server, labels = "") {

@@ -91,7 +91,13 @@ async function command(name: string, args: Json = {}): Promise<void> {
     if (name2) await command(name, { ...args, name: name2 });
     return;
   }
-  if (r.view) await ui.viewText(r.view.name, r.view.text);
+  if (r.import) {
+    const start = sheet?.title?.match(/\[(.*)\/[^/]*\]$/)?.[1] ?? "";
+    const choice = await ui.importDialog(r.import, start);
+    if (choice) await command(name, choice);
+    return;
+  }
+  if (r.view) await ui.viewText(r.view.name, r.view.text, r.view.title);
   if (r.edit) await openDialog(r.edit.kind, r.edit.index);
   if (r.run) watchRun();
   if (r.page) await pageAction(name);

@@ -138,9 +138,9 @@ export function pickFile(mode: "open" | "save", filter: string, start: string): 
 }
 
 // A report or the run log, readable, with its download.
-export function viewText(name: string, text: string): Promise<void> {
+export function viewText(name: string, text: string, title?: string): Promise<void> {
   return new Promise((resolve) =>
-    open(name, (d) => {
+    open(title ?? name, (d) => {
       d.dataset.kind = "viewer";
       const pre = document.createElement("pre");
       pre.className = "report";
@@ -151,5 +151,56 @@ export function viewText(name: string, text: string): Promise<void> {
       a.setAttribute("download", name);
       d.append(pre, a);
       buttons(d, ["Close"], () => resolve(), 0);
+    }));
+}
+
+// The import dialog: simulator, file and the three choices, with the prompts
+// the server gives; resolves with the command's arguments, or null.
+export function importDialog(spec: Json, start: string): Promise<Json | null> {
+  return new Promise((resolve) =>
+    open("Import", (d) => {
+      d.dataset.kind = "import";
+      const sim = document.createElement("select");
+      sim.name = "simulator";
+      for (const s of spec.simulators) sim.add(new Option(s === "Project" ? "Project file (records)" : s, s, s === "File", s === "File"));
+      const file = document.createElement("input");
+      file.type = "text";
+      file.name = "file";
+      file.title = spec.prompts.file;
+      file.placeholder = spec.prompts.file;
+      const browse = document.createElement("button");
+      browse.textContent = "Browse...";
+      const checks: Record<string, HTMLInputElement> = {};
+      const rows: HTMLElement[] = [sim, file, browse];
+      for (const key of ["inlet", "outlet", "props"]) {
+        const label = document.createElement("label");
+        label.className = "check";
+        const box = document.createElement("input");
+        box.type = "checkbox";
+        box.name = key;
+        box.checked = true;
+        checks[key] = box;
+        label.append(box, " " + spec.prompts[key]);
+        rows.push(label);
+      }
+      for (const r of rows) {
+        const div = document.createElement("div");
+        div.appendChild(r);
+        d.appendChild(div);
+      }
+      browse.addEventListener("click", async () => {
+        modal().hidden = true;
+        const saved = [...d.childNodes];
+        const keys = d.onkeydown;
+        const picked = await pickFile("open", spec.filter, start);
+        d.replaceChildren(...saved);
+        d.onkeydown = keys;
+        d.dataset.kind = "import";
+        modal().hidden = false;
+        if (picked) file.value = picked;
+      });
+      buttons(d, ["OK", "Cancel"], (i) =>
+        resolve(i === 0 ? { simulator: sim.value, file: file.value, inlet: checks.inlet.checked,
+          outlet: checks.outlet.checked, props: checks.props.checked } : null), 1);
     }));
 }
