@@ -58,6 +58,8 @@ class Texts {
 public:
     virtual ~Texts() = default;
     virtual const std::string& of(std::string_view name) const = 0;
+    // The OK is of a template record (element 0), which stands on no sheet.
+    virtual bool of_template() const { return false; }
 };
 
 template <class R>
@@ -194,6 +196,8 @@ std::string check_entry(const std::string& kind, const std::string& unit, const 
 class TextMap : public Texts {
 public:
     std::map<std::string, std::string, std::less<>> texts;
+    bool template_record = false;
+    bool of_template() const override { return template_record; }
     const std::string& of(std::string_view name) const override {
         static const std::string none;
         const auto it = texts.find(name);

@@ -121,6 +121,7 @@ std::string apply_kind(RunContext& ctx, Project& p, const DisplayUnits& units, c
     R& rec = recs[static_cast<std::size_t>(index)];
 
     TextMap typed;
+    typed.template_record = index == 0;
     std::vector<bool> changed;
     typed_texts(ctx, k.fields, rec, units, given, typed, changed);
     if (std::string says = check_entries(k.fields, typed, units, p.gen.PATM); !says.empty()) return says;
