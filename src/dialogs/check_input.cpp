@@ -33,10 +33,6 @@ constexpr std::array<double, 18> kNominalSizes{1, 1.5, 2, 3, 4, 6, 8, 10, 12, 14
 
 constexpr double kHuge = 1000000000.0;
 
-std::string invalid_input(std::string_view value) {
-    return "Error during input checking. Invalid input= " + std::string(value) + " .";
-}
-
 std::string check_pressure(std::string_view unit, double v, double patm, std::string_view value) {
     for (const PressureRange& r : kPressures) {
         if (unit != r.unit) continue;
@@ -70,6 +66,10 @@ std::optional<std::string> check_number(std::string_view kind, std::string_view 
 }
 
 }  // namespace
+
+std::string invalid_input(std::string_view value) {
+    return "Error during input checking. Invalid input= " + std::string(value) + " .";
+}
 
 std::string CheckInput(std::string_view kind, std::string_view unit, std::string_view value, double patm) {
     if (kind == "Text") return value.find('"') == std::string_view::npos ? "" : "Invalid text entry (Dbl quotes not allowed).";

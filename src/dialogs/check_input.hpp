@@ -18,4 +18,8 @@ namespace velm {
 // checking. Invalid input= " with the value and " .".
 std::string CheckInput(std::string_view kind, std::string_view unit, std::string_view value, double patm = 101.325);
 
+// CheckInput's words for a value that is no good for its field: "Error during
+// input checking. Invalid input= " with the value and " .".
+std::string invalid_input(std::string_view value);
+
 }  // namespace velm

@@ -142,7 +142,9 @@ std::string line_rules(RunContext& ctx, const Project& p, const R& line, const T
     if (!inside_given && !line.DIA[1].empty() &&
         pipe_ID_from_dia(ctx, p.pipedata, "ID", line.MAT, line.DIA[1], line.SCH, "m") <= 0.0)
         return "Invalid diameter/schedule combination.";
-    if (!fluid_given(p, line, typed)) return "Composition and Liquid Fraction is required for every line.";
+    // The template holds no composition of its own: a new line is given its fluid on the sheet.
+    if (!typed.of_template() && !fluid_given(p, line, typed))
+        return "Composition and Liquid Fraction is required for every line.";
     return "";
 }
 

@@ -2,13 +2,20 @@
 // its record field, and the rules of the kind. Private to src/dialogs.
 #pragma once
 
+#include <cmath>
+#include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "dialogs/dialogs.hpp"
 #include "model/case_data.hpp"
+#include "model/number_format.hpp"
 #include "model/records.hpp"
+#include "model/text.hpp"
 
 namespace velm {
 
@@ -21,9 +28,10 @@ enum class Store {
     Pair,       // case string and value in force; the text is the case string
     Case,       // a case string with no value beside it
     Text,       // plain text, trimmed on writing
-    Fixed12,    // text of exactly 12 characters (fitting names)
+    Fixed,      // text of exactly `width` characters (fitting names, title lines)
     Notes,      // free text, written as typed
     Number,     // a double in internal units
+    Single,     // a float in internal units (sheet sizes)
     Integer,    // a whole number
     Flag,       // 0 or -1, shown "No" or "Yes"
     IntChoice,  // a whole number 1..n shown as the n-th choice
@@ -39,6 +47,8 @@ struct FieldDef {
     std::string* (*text)(R&) = nullptr;
     double* (*number)(R&) = nullptr;
     int* (*integer)(R&) = nullptr;
+    float* (*single)(R&) = nullptr;
+    int width = 0;                     // characters of a Fixed text
     std::string letters;               // case letters the entry takes ("C", "E", "EV")
     std::vector<std::string> choices;  // fixed lists
 };
@@ -48,6 +58,8 @@ class Texts {
 public:
     virtual ~Texts() = default;
     virtual const std::string& of(std::string_view name) const = 0;
+    // The OK is of a template record (element 0), which stands on no sheet.
+    virtual bool of_template() const { return false; }
 };
 
 template <class R>
@@ -90,8 +102,16 @@ public:
         add(name, label, check, unit, hint, Store::Number).number = a;
         return *this;
     }
-    Fields& integer(const char* name, const char* label, int* (*a)(R&), const char* hint = "") {
-        add(name, label, "Flow", "", hint, Store::Integer).integer = a;
+    Fields& single(const char* name, const char* label, const char* check, const char* unit, float* (*a)(R&),
+                   const char* hint = "") {
+        add(name, label, check, unit, hint, Store::Single).single = a;
+        return *this;
+    }
+    Fields& integer(const char* name, const char* label, int* (*a)(R&), const char* hint = "",
+                    std::vector<std::string> choices = {}) {
+        FieldDef<R>& f = add(name, label, "Flow", "", hint, Store::Integer);
+        f.integer = a;
+        f.choices = std::move(choices);
         return *this;
     }
     Fields& text(const char* name, const char* label, std::string* (*a)(R&), const char* hint = "",
@@ -101,10 +121,13 @@ public:
         f.choices = std::move(choices);
         return *this;
     }
-    Fields& fixed12(const char* name, const char* label, std::string* (*a)(R&)) {
-        add(name, label, "Text", "", "", Store::Fixed12).text = a;
+    Fields& fixed(const char* name, const char* label, std::string* (*a)(R&), int width, const char* hint = "") {
+        FieldDef<R>& f = add(name, label, "Text", "", hint, Store::Fixed);
+        f.text = a;
+        f.width = width;
         return *this;
     }
+    Fields& fixed12(const char* name, const char* label, std::string* (*a)(R&)) { return fixed(name, label, a, 12); }
     Fields& notes(std::string* (*a)(R&)) {
         tab("Notes");
         add("NOTES", "Notes", "", "", "", Store::Notes).text = a;
@@ -150,6 +173,140 @@ private:
     std::string tab_ = "General";
 };
 
+// The unit of an entry: its class (or "" for a fixed word), the word shown and
+// the internal word. A fixed word is both; no conversion takes place.
+struct EntryUnit {
+    std::string cls, shown, internal;
+    bool temperature() const { return cls == "temperature"; }
+};
+
+// The unit of a field's unit spec ("pressure", "=rpm" or "") in the display units.
+EntryUnit unit_of(const std::string& spec, const DisplayUnits& units);
+// A value shown with all its digits, so that a text taken back reads the same number.
+std::string shown_number(RunContext& ctx, double v, const EntryUnit& u);
+double internal_number(RunContext& ctx, const std::string& text, const EntryUnit& u);
+// A case string between two units; a fixed unit word takes no factor.
+std::string shown_case(RunContext& ctx, const std::string& text, const EntryUnit& u);
+std::string internal_case(RunContext& ctx, const std::string& text, const EntryUnit& u);
+// CheckInput on an entry; a case string is judged entry by entry, its empty
+// entries and the letters it takes passing.
+std::string check_entry(const std::string& kind, const std::string& unit, const std::string& text, bool is_case,
+                        const std::string& letters, double patm);
+
+class TextMap : public Texts {
+public:
+    std::map<std::string, std::string, std::less<>> texts;
+    bool template_record = false;
+    bool of_template() const override { return template_record; }
+    const std::string& of(std::string_view name) const override {
+        static const std::string none;
+        const auto it = texts.find(name);
+        return it == texts.end() ? none : it->second;
+    }
+};
+
+// An entry of a record as the dialog shows it.
+template <class R>
+DialogField show(RunContext& ctx, const FieldDef<R>& f, const R& rec, const DisplayUnits& units) {
+    R& r = const_cast<R&>(rec);  // the accessors take a mutable record; only read here
+    const EntryUnit u = unit_of(f.unit, units);
+    DialogField d;
+    d.name = f.name;
+    d.label = f.label;
+    d.check = f.check;
+    d.unit_class = u.cls;
+    d.unit = u.shown;
+    d.hint = f.hint;
+    d.tab = f.tab;
+    d.width = f.width;
+    d.choices = f.choices;
+    switch (f.store) {
+        case Store::Pair:
+            d.pair = true;
+            d.text = shown_case(ctx, f.pair(r)->spec, u);
+            d.calculated = shown_number(ctx, f.pair(r)->value, u);
+            break;
+        case Store::Case: d.text = shown_case(ctx, *f.text(r), u); break;
+        case Store::Text: d.text = *f.text(r); break;
+        case Store::Fixed: d.text = trim_right(*f.text(r)); break;
+        case Store::Notes: d.text = *f.text(r); break;
+        case Store::Number: d.text = shown_number(ctx, *f.number(r), u); break;
+        case Store::Single: d.text = shown_number(ctx, static_cast<double>(*f.single(r)), u); break;
+        case Store::Integer: d.text = std::to_string(*f.integer(r)); break;
+        case Store::Flag: d.text = *f.integer(r) != 0 ? "Yes" : "No"; break;
+        case Store::IntChoice: {
+            const int v = *f.integer(r);
+            d.text = v >= 1 && v <= static_cast<int>(f.choices.size()) ? f.choices[static_cast<std::size_t>(v - 1)]
+                                                                        : std::to_string(v);
+            break;
+        }
+    }
+    return d;
+}
+
+// A typed text written into its field in internal units.
+template <class R>
+void write(RunContext& ctx, const FieldDef<R>& f, R& r, const std::string& text, const DisplayUnits& units) {
+    const EntryUnit u = unit_of(f.unit, units);
+    switch (f.store) {
+        case Store::Pair: f.pair(r)->spec = internal_case(ctx, text, u); break;
+        case Store::Case: *f.text(r) = internal_case(ctx, text, u); break;
+        case Store::Text: *f.text(r) = trim(text); break;
+        case Store::Fixed: *f.text(r) = fixed_width(trim(text), static_cast<std::size_t>(f.width)); break;
+        case Store::Notes: *f.text(r) = text; break;
+        case Store::Number: *f.number(r) = internal_number(ctx, text, u); break;
+        case Store::Single: *f.single(r) = static_cast<float>(internal_number(ctx, text, u)); break;
+        case Store::Integer: *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text)))); break;
+        case Store::Flag: *f.integer(r) = key_of(text) == "YES" ? -1 : 0; break;
+        case Store::IntChoice: {
+            for (std::size_t i = 0; i < f.choices.size(); ++i)
+                if (key_of(text) == key_of(f.choices[i])) {
+                    *f.integer(r) = static_cast<int>(i) + 1;
+                    return;
+                }
+            *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text))));
+            break;
+        }
+    }
+}
+
+// The texts of an OK on one record: each entry as typed, or as on show when
+// not given; changed[i] tells that entry i differs from its text on show.
+template <class R>
+void typed_texts(RunContext& ctx, const std::vector<FieldDef<R>>& fields, const R& rec, const DisplayUnits& units,
+                 const std::vector<std::pair<std::string, std::string>>& given, TextMap& typed,
+                 std::vector<bool>& changed) {
+    changed.clear();
+    for (const FieldDef<R>& f : fields) {
+        const std::string on_show = show(ctx, f, rec, units).text;
+        std::string text = on_show;
+        for (const auto& [name, t] : given)
+            if (name == f.name) text = t;
+        changed.push_back(text != on_show);
+        typed.texts[f.name] = text;
+    }
+}
+
+// CheckInput on every entry in the dialog's order: the first message, or "".
+template <class R>
+std::string check_entries(const std::vector<FieldDef<R>>& fields, const TextMap& typed, const DisplayUnits& units,
+                          double patm) {
+    for (const FieldDef<R>& f : fields) {
+        const bool is_case = f.store == Store::Pair || f.store == Store::Case;
+        std::string says = check_entry(f.check, unit_of(f.unit, units).shown, typed.of(f.name), is_case, f.letters, patm);
+        if (!says.empty()) return says;
+    }
+    return "";
+}
+
+// The changed entries written into the record.
+template <class R>
+void write_changed(RunContext& ctx, const std::vector<FieldDef<R>>& fields, const TextMap& typed,
+                   const std::vector<bool>& changed, R& rec, const DisplayUnits& units) {
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (changed[i]) write(ctx, fields[i], rec, typed.of(fields[i].name), units);
+}
+
 // The user equation of a line or boundary, on its own tab.
 template <class R>
 void equation_fields(Fields<R>& f) {
@@ -167,6 +324,14 @@ void equation_fields(Fields<R>& f) {
 int cases_of(std::initializer_list<std::string_view> texts);
 // The entry for case n is given (a number or a letter).
 inline bool given(std::string_view text, int n) { return is_specified(text, n); }
+
+// The dialog of the template record (element 0) of a kind and its OK: the
+// same entries and rules as a record's, but no name of the kind to keep
+// unique, since the template's name is the prefix of new records' names.
+std::optional<Dialog> load_template(RunContext& ctx, const Project& p, const DisplayUnits& units,
+                                    std::string_view kind);
+std::string apply_template(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind,
+                           const std::vector<std::pair<std::string, std::string>>& texts);
 
 // The dialog tables of each kind.
 const KindDef<Feed>& feed_dialog();

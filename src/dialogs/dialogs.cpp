@@ -47,12 +47,7 @@ constexpr UnitClass kUnitClasses[] = {
     {"conductivity", "W/m/K", &DisplayUnits::conductivity},
 };
 
-// The unit of an entry: its class (or "" for a fixed word), the word shown and
-// the internal word. A fixed word is both; no conversion takes place.
-struct EntryUnit {
-    std::string cls, shown, internal;
-    bool temperature() const { return cls == "temperature"; }
-};
+}  // namespace
 
 EntryUnit unit_of(const std::string& spec, const DisplayUnits& units) {
     if (spec.empty()) return {};
@@ -62,7 +57,6 @@ EntryUnit unit_of(const std::string& spec, const DisplayUnits& units) {
     return {};
 }
 
-// A value shown with all its digits, so that a text taken back reads the same number.
 std::string shown_number(RunContext& ctx, double v, const EntryUnit& u) {
     if (u.shown == u.internal) return number_text(v);
     if (u.temperature()) return number_text(UnitsTFunc(ctx, v, u.internal, u.shown));
@@ -76,7 +70,6 @@ double internal_number(RunContext& ctx, const std::string& text, const EntryUnit
     return convert_value(ctx, v, u.shown, u.internal);
 }
 
-// A case string between two units; a fixed unit word takes no factor.
 std::string shown_case(RunContext& ctx, const std::string& text, const EntryUnit& u) {
     if (u.shown == u.internal) return converting_units(ctx, text, "", "", 0);
     return converting_units(ctx, text, u.internal, u.shown, 0);
@@ -87,68 +80,6 @@ std::string internal_case(RunContext& ctx, const std::string& text, const EntryU
     return converting_units(ctx, text, u.shown, u.internal, 0);
 }
 
-template <class R>
-DialogField show(RunContext& ctx, const FieldDef<R>& f, const R& rec, const DisplayUnits& units) {
-    R& r = const_cast<R&>(rec);  // the accessors take a mutable record; only read here
-    const EntryUnit u = unit_of(f.unit, units);
-    DialogField d;
-    d.name = f.name;
-    d.label = f.label;
-    d.check = f.check;
-    d.unit_class = u.cls;
-    d.unit = u.shown;
-    d.hint = f.hint;
-    d.tab = f.tab;
-    d.choices = f.choices;
-    switch (f.store) {
-        case Store::Pair:
-            d.pair = true;
-            d.text = shown_case(ctx, f.pair(r)->spec, u);
-            d.calculated = shown_number(ctx, f.pair(r)->value, u);
-            break;
-        case Store::Case: d.text = shown_case(ctx, *f.text(r), u); break;
-        case Store::Text: d.text = *f.text(r); break;
-        case Store::Fixed12: d.text = trim_right(*f.text(r)); break;
-        case Store::Notes: d.text = *f.text(r); break;
-        case Store::Number: d.text = shown_number(ctx, *f.number(r), u); break;
-        case Store::Integer: d.text = std::to_string(*f.integer(r)); break;
-        case Store::Flag: d.text = *f.integer(r) != 0 ? "Yes" : "No"; break;
-        case Store::IntChoice: {
-            const int v = *f.integer(r);
-            d.text = v >= 1 && v <= static_cast<int>(f.choices.size()) ? f.choices[static_cast<std::size_t>(v - 1)]
-                                                                        : std::to_string(v);
-            break;
-        }
-    }
-    return d;
-}
-
-template <class R>
-void write(RunContext& ctx, const FieldDef<R>& f, R& r, const std::string& text, const DisplayUnits& units) {
-    const EntryUnit u = unit_of(f.unit, units);
-    switch (f.store) {
-        case Store::Pair: f.pair(r)->spec = internal_case(ctx, text, u); break;
-        case Store::Case: *f.text(r) = internal_case(ctx, text, u); break;
-        case Store::Text: *f.text(r) = trim(text); break;
-        case Store::Fixed12: *f.text(r) = fixed_width(trim(text), 12); break;
-        case Store::Notes: *f.text(r) = text; break;
-        case Store::Number: *f.number(r) = internal_number(ctx, text, u); break;
-        case Store::Integer: *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text)))); break;
-        case Store::Flag: *f.integer(r) = key_of(text) == "YES" ? -1 : 0; break;
-        case Store::IntChoice: {
-            for (std::size_t i = 0; i < f.choices.size(); ++i)
-                if (key_of(text) == key_of(f.choices[i])) {
-                    *f.integer(r) = static_cast<int>(i) + 1;
-                    return;
-                }
-            *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text))));
-            break;
-        }
-    }
-}
-
-// CheckInput on an entry; a case string is judged entry by entry, its empty
-// entries and the letters it takes passing.
 std::string check_entry(const std::string& kind, const std::string& unit, const std::string& text, bool is_case,
                         const std::string& letters, double patm) {
     if (kind.empty()) return "";
@@ -165,21 +96,14 @@ std::string check_entry(const std::string& kind, const std::string& unit, const 
     return "";
 }
 
-class TextMap : public Texts {
-public:
-    std::map<std::string, std::string, std::less<>> texts;
-    const std::string& of(std::string_view name) const override {
-        static const std::string none;
-        const auto it = texts.find(name);
-        return it == texts.end() ? none : it->second;
-    }
-};
+namespace {
 
+// Records lowest..count of a kind have a dialog: 1 for the records, 0 for the template too.
 template <class R>
 std::optional<Dialog> load_kind(RunContext& ctx, const Project& p, const DisplayUnits& units, const KindDef<R>& k,
-                                std::string_view kind, int index) {
+                                std::string_view kind, int index, int lowest) {
     const std::vector<R>& recs = p.*k.records;
-    if (index < 1 || index > count(recs)) return std::nullopt;
+    if (index < lowest || index > count(recs) || recs.empty()) return std::nullopt;
     const R& rec = recs[static_cast<std::size_t>(index)];
     Dialog d{.form = k.form, .kind = std::string(kind), .index = index, .fields = {}};
     for (const FieldDef<R>& f : k.fields) d.fields.push_back(show(ctx, f, rec, units));
@@ -189,39 +113,28 @@ std::optional<Dialog> load_kind(RunContext& ctx, const Project& p, const Display
 
 template <class R>
 std::string apply_kind(RunContext& ctx, Project& p, const DisplayUnits& units, const KindDef<R>& k,
-                       std::string_view kind, int index, const std::vector<std::pair<std::string, std::string>>& given) {
+                       std::string_view kind, int index, int lowest,
+                       const std::vector<std::pair<std::string, std::string>>& given) {
     std::vector<R>& recs = p.*k.records;
-    if (index < 1 || index > count(recs))
+    if (index < lowest || index > count(recs) || recs.empty())
         return "Error in OK = 1 : no " + std::string(kind) + " record " + std::to_string(index) + ".";
     R& rec = recs[static_cast<std::size_t>(index)];
 
-    // The text of each entry: typed, or as on show.
     TextMap typed;
+    typed.template_record = index == 0;
     std::vector<bool> changed;
-    for (const FieldDef<R>& f : k.fields) {
-        const std::string on_show = show(ctx, f, rec, units).text;
-        std::string text = on_show;
-        for (const auto& [name, t] : given)
-            if (name == f.name) text = t;
-        changed.push_back(text != on_show);
-        typed.texts[f.name] = text;
-    }
+    typed_texts(ctx, k.fields, rec, units, given, typed, changed);
+    if (std::string says = check_entries(k.fields, typed, units, p.gen.PATM); !says.empty()) return says;
 
-    for (const FieldDef<R>& f : k.fields) {
-        const bool is_case = f.store == Store::Pair || f.store == Store::Case;
-        std::string says = check_entry(f.check, unit_of(f.unit, units).shown, typed.of(f.name), is_case, f.letters,
-                                       p.gen.PATM);
-        if (!says.empty()) return says;
+    if (index > 0) {
+        const std::string name = key_of(typed.of("NAME1"));
+        for (int i = 1; i <= count(recs); ++i)
+            if (i != index && key_of(recs[static_cast<std::size_t>(i)].NAME[1]) == name)
+                return std::is_same_v<R, Line> ? "Error! Line number not unique." : "Error! Equipment number not unique.";
     }
-
-    const std::string name = key_of(typed.of("NAME1"));
-    for (int i = 1; i <= count(recs); ++i)
-        if (i != index && key_of(recs[static_cast<std::size_t>(i)].NAME[1]) == name)
-            return std::is_same_v<R, Line> ? "Error! Line number not unique." : "Error! Equipment number not unique.";
 
     R edited = rec;
-    for (std::size_t i = 0; i < k.fields.size(); ++i)
-        if (changed[i]) write(ctx, k.fields[i], edited, typed.of(k.fields[i].name), units);
+    write_changed(ctx, k.fields, typed, changed, edited, units);
     if (k.finish) k.finish(edited, rec);
     if (k.rules) {
         std::string says = k.rules(ctx, p, edited, typed);
@@ -252,26 +165,45 @@ bool with_kind(std::string_view kind, F&& f) {
     return false;
 }
 
-}  // namespace
-}  // namespace dialog
-
-std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, std::string_view kind,
-                                  int index) {
-    std::optional<Dialog> d;
-    dialog::with_kind(kind, [&](const auto& k) { d = dialog::load_kind(ctx, p, units, k, kind, index); });
-    return d;
-}
-
-std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
-                         const std::vector<std::pair<std::string, std::string>>& texts) {
+// The OK of record `index` (from `lowest`) of a kind, its faults told as the dialog's.
+std::string apply_record(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
+                         int lowest, const std::vector<std::pair<std::string, std::string>>& texts) {
     std::string says;
     try {
-        if (!dialog::with_kind(kind, [&](const auto& k) { says = dialog::apply_kind(ctx, p, units, k, kind, index, texts); }))
+        if (!with_kind(kind, [&](const auto& k) { says = apply_kind(ctx, p, units, k, kind, index, lowest, texts); }))
             says = "Error in OK = 1 : no dialog for " + std::string(kind) + ".";
     } catch (const std::exception& e) {
         says = std::string("Error in OK = 0 : ") + e.what();
     }
     return says;
+}
+
+}  // namespace
+
+std::optional<Dialog> load_template(RunContext& ctx, const Project& p, const DisplayUnits& units,
+                                    std::string_view kind) {
+    std::optional<Dialog> d;
+    with_kind(kind, [&](const auto& k) { d = load_kind(ctx, p, units, k, kind, 0, 0); });
+    return d;
+}
+
+std::string apply_template(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind,
+                           const std::vector<std::pair<std::string, std::string>>& texts) {
+    return apply_record(ctx, p, units, kind, 0, 0, texts);
+}
+
+}  // namespace dialog
+
+std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, std::string_view kind,
+                                  int index) {
+    std::optional<Dialog> d;
+    dialog::with_kind(kind, [&](const auto& k) { d = dialog::load_kind(ctx, p, units, k, kind, index, 1); });
+    return d;
+}
+
+std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
+                         const std::vector<std::pair<std::string, std::string>>& texts) {
+    return dialog::apply_record(ctx, p, units, kind, index, 1, texts);
 }
 
 std::vector<std::string> equation_forms(std::string_view kind) {

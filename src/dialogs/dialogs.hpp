@@ -29,6 +29,7 @@ struct DialogField {
     bool pair = false;       // a specified/calculated pair: text is the case string, calculated the value in force
     std::string text;        // text on show
     std::string calculated;  // value in force (position 2) on show, for pairs
+    int width = 0;           // most characters the entry holds (fixed-width texts), 0 for any
     std::vector<std::string> choices;  // for fixed lists (valve TYPE2, pipe schedule...), empty otherwise
 };
 

@@ -442,6 +442,7 @@ struct Header {
     std::string CASENO, CASEDSC, CASERPT;
     int CASEDLG = 0;
     std::array<int, kMaxComps + 1> COMP{};   // component numbers 1..30 (keys COMP0, COMP1, COMP2)
+    bool operator==(const Header&) const = default;
 };
 
 // Colours of normal, selected and flagged drawing items.

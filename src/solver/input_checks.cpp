@@ -11,37 +11,6 @@ namespace velm {
 
 namespace {
 
-// CASENO: at most kMaxCases entries, each empty (case 1) or a case number.
-std::string check_case_list(const std::string& list) {
-    const int n = case_count(list);
-    if (n > kMaxCases)
-        return "Error! CASENO lists " + std::to_string(n) + " cases; a run takes at most " +
-               std::to_string(kMaxCases) + ".";
-    for (int i = 1; i <= n; ++i) {
-        const std::string entry = getting_case_data(list, i);
-        if (entry.empty()) continue;
-        const auto v = parse_number(entry);
-        if (!v || *v != std::floor(*v) || *v < 1 || *v > kMaxCases)
-            return "Error! CASENO = \"" + shown_text(list) + "\": case \"" + shown_text(entry) +
-                   "\" is not a case number from 1 to " + std::to_string(kMaxCases) + ".";
-    }
-    return "";
-}
-
-// CASERPT: the report code of each case, -1 (heading only), 0 (all
-// sections) or a mask of the sections (kAllSections at most).
-std::string check_report_codes(const std::string& list) {
-    const int n = case_count(list);
-    for (int i = 1; i <= n; ++i) {
-        const std::string entry = getting_case_data(list, i);
-        const double code = leading_number(entry);
-        if (!(code >= -1 && code <= kAllSections))
-            return "Error! CASERPT = \"" + shown_text(list) + "\": \"" + shown_text(entry) +
-                   "\" is not a report code from -1 to " + std::to_string(kAllSections) + ".";
-    }
-    return "";
-}
-
 // Every entry of every case string of the records: empty, a letter C, E or
 // V, or a number.
 std::string check_case_strings(const Project& p) {
@@ -115,6 +84,37 @@ std::string check_levels(const std::vector<R>& v, const char* word) {
 }
 
 }  // namespace
+
+// CASENO: at most kMaxCases entries, each empty (case 1) or a case number.
+std::string check_case_list(const std::string& list) {
+    const int n = case_count(list);
+    if (n > kMaxCases)
+        return "Error! CASENO lists " + std::to_string(n) + " cases; a run takes at most " +
+               std::to_string(kMaxCases) + ".";
+    for (int i = 1; i <= n; ++i) {
+        const std::string entry = getting_case_data(list, i);
+        if (entry.empty()) continue;
+        const auto v = parse_number(entry);
+        if (!v || *v != std::floor(*v) || *v < 1 || *v > kMaxCases)
+            return "Error! CASENO = \"" + shown_text(list) + "\": case \"" + shown_text(entry) +
+                   "\" is not a case number from 1 to " + std::to_string(kMaxCases) + ".";
+    }
+    return "";
+}
+
+// CASERPT: the report code of each case, -1 (heading only), 0 (all
+// sections) or a mask of the sections (kAllSections at most).
+std::string check_report_codes(const std::string& list) {
+    const int n = case_count(list);
+    for (int i = 1; i <= n; ++i) {
+        const std::string entry = getting_case_data(list, i);
+        const double code = leading_number(entry);
+        if (!(code >= -1 && code <= kAllSections))
+            return "Error! CASERPT = \"" + shown_text(list) + "\": \"" + shown_text(entry) +
+                   "\" is not a report code from -1 to " + std::to_string(kAllSections) + ".";
+    }
+    return "";
+}
 
 std::string check_input_values(const Project& p) {
     for (const std::string& msg : {check_case_list(p.gen.CASENO), check_report_codes(p.gen.CASERPT),
