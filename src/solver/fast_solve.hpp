@@ -31,7 +31,12 @@ public:
 
     struct State;
     std::unique_ptr<State> state;
+    // Rows 0 .. paired_rows-1 (0-based) each hold the unknown of column
+    // paired_col + row with a coefficient that is never zero (the line rows
+    // of a network and the flow term of each line). 0 when nothing is known.
+    int paired_rows = 0, paired_col = 0;
     int analyses = 0;       // symbolic analyses made, for tests and benchmarks
+    bool paired = false;    // whether the last analysis ordered by the pairing
     double factor_entries = 0;  // entries of L and U after the last factorisation
 };
 

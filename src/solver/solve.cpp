@@ -237,6 +237,9 @@ void push_pressures(Writeback& wb) {
 int solve_network(RunContext& ctx, Network& net) {
     const bool fast = ctx.linear_solver == LinearSolver::Klu ||
                       (ctx.linear_solver == LinearSolver::Auto && net.NumSpecs >= kFastSolveOrder);
+    // The line rows come first, row i holding the flow term of line i.
+    net.fast.paired_rows = net.NumVars - net.cols.line;
+    net.fast.paired_col = net.cols.line;
     if (fast) return FastSolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.fast);
     return SolveMatrix(ctx, net.A, net.JA, net.IA, net.B, net.NumSpecs, net.work);
 }
