@@ -391,14 +391,8 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuProcessPseudo", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pseudo component dialog"))},
         {"mnuProcessView", VELM_CMD((void)args; H::view_file(s, io, "resultm.rtf", "Result file not found. First run HMB.", reply))},
         {"mnuProcessSave", VELM_CMD(H::save_file(s, io, args, "resultm.rtf", "HMB must be run to create a result file.", reply))},
-        {"mnuOptionsDef", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The defaults dialog"))},
-        {"mnuOptionsCalcs", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The calculation methods dialog"))},
-        {"mnuOptionsCases", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The cases dialog"))},
-        {"mnuOptionsTitle", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The title block dialog"))},
-        {"mnuOptionsKomp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The components dialog"))},
         {"mnuOptionsProp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The properties dialog"))},
         {"mnuOptionsPData", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pipe data dialog"))},
-        {"mnuOptionsEquip", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The equipment templates"))},
         {"mnuHelpHelp", VELM_CMD((void)s; (void)io; (void)args; reply["page"] = "help")},
         {"mnuHelpSupport", VELM_CMD((void)s; (void)io; (void)args;
                                     reply["mailto"] = "mailto:support@velm-hydraulics.example?subject=Hydraulics%20Problem")},
@@ -409,9 +403,12 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
 
 bool Session::command(Interaction& io, const std::string& name, const nlohmann::json& args, nlohmann::json& reply) {
     const auto& t = MenuCommands::table();
-    std::string key = name;
-    // The equipment templates of the Options menu share one answer.
-    if (key.rfind("mnuOptions", 0) == 0 && !t.count(key)) key = "mnuOptionsEquip";
+    const std::string key = name;
+    // The other Options commands open their dialog in the page.
+    if (key.rfind("mnuOptions", 0) == 0 && !t.count(key)) {
+        reply["options"] = key;
+        return true;
+    }
     const auto it = t.find(key);
     if (it == t.end()) return false;
     const bool edits = key != "mnuRunSimStop" && key.rfind("mnuRun", 0) != 0 && key.rfind("mnuView", 0) != 0 &&

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dialogs/dialogs.hpp"
+#include "dialogs/options.hpp"
 #include "drawing/edit_ops.hpp"
 #include "drawing/layout.hpp"
 #include "model/file_replace.hpp"
@@ -167,30 +168,69 @@ nlohmann::json Session::item_card(const std::string& kind, int index) {
     return {{"kind", kind}, {"index", index}, {"rows", LabelRows(ctx, project_, units_, view_, kind, index, "Result")}};
 }
 
+namespace {
+
+nlohmann::json dialog_json(const Dialog& d) {
+    nlohmann::json fields = nlohmann::json::array();
+    for (const DialogField& f : d.fields)
+        fields.push_back({{"name", f.name}, {"label", f.label}, {"check", f.check}, {"unit_class", f.unit_class},
+                          {"unit", f.unit}, {"hint", f.hint}, {"tab", f.tab}, {"pair", f.pair}, {"text", f.text},
+                          {"calculated", f.calculated}, {"choices", f.choices}});
+    return {{"form", d.form}, {"kind", d.kind}, {"index", d.index}, {"fields", std::move(fields)},
+            {"forms", equation_forms(d.kind)}};
+}
+
+std::vector<std::pair<std::string, std::string>> typed_texts(const nlohmann::json& fields) {
+    std::vector<std::pair<std::string, std::string>> texts;
+    if (fields.is_object())
+        for (const auto& [name, text] : fields.items())
+            if (text.is_string()) texts.emplace_back(name, text.get<std::string>());
+    return texts;
+}
+
+}  // namespace
+
 nlohmann::json Session::dialog(const std::string& kind, int index) {
     RecordingInteraction quiet;
     RunContext ctx(quiet);
     const auto d = load_dialog(ctx, project_, units_, kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
-    nlohmann::json fields = nlohmann::json::array();
-    for (const DialogField& f : d->fields)
-        fields.push_back({{"name", f.name}, {"label", f.label}, {"check", f.check}, {"unit_class", f.unit_class},
-                          {"unit", f.unit}, {"hint", f.hint}, {"tab", f.tab}, {"pair", f.pair}, {"text", f.text},
-                          {"calculated", f.calculated}, {"choices", f.choices}});
-    return {{"form", d->form}, {"kind", d->kind}, {"index", d->index}, {"fields", std::move(fields)},
-            {"forms", equation_forms(kind)}};
+    return dialog_json(*d);
+}
+
+nlohmann::json Session::options_dialog(const std::string& name) {
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    apply_run_limits(settings_, ctx);
+    const auto d = load_options_dialog(ctx, project_, settings_, units_, name);
+    if (!d) return {{"message", "No dialog " + name + "."}};
+    return dialog_json(*d);
+}
+
+nlohmann::json Session::apply_options_texts(const std::string& name, const nlohmann::json& fields) {
+    if (running_) return {{"message", "Simulation still running !"}};
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    apply_run_limits(settings_, ctx);
+    remember();
+    const std::string message = apply_options_dialog(ctx, project_, settings_, units_, name, typed_texts(fields));
+    if (!message.empty()) {
+        forget_unchanged();
+        return {{"message", message}};
+    }
+    pending_ = false;
+    state_.ProjectDirty = true;
+    SetUnits(units_, project_.gen);
+    WriteSettings(ctx, settings_file(), "save", settings_);
+    return options_dialog(name);
 }
 
 nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields) {
     if (running_) return {{"message", "Simulation still running !"}};
-    std::vector<std::pair<std::string, std::string>> texts;
-    if (fields.is_object())
-        for (const auto& [name, text] : fields.items())
-            if (text.is_string()) texts.emplace_back(name, text.get<std::string>());
     RecordingInteraction quiet;
     RunContext ctx(quiet);
     remember();
-    const std::string message = apply_dialog(ctx, project_, units_, kind, index, texts);
+    const std::string message = apply_dialog(ctx, project_, units_, kind, index, typed_texts(fields));
     if (!message.empty()) {
         forget_unchanged();
         return {{"message", message}};

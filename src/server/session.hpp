@@ -76,6 +76,11 @@ public:
     // or the dialog as it now stands.
     nlohmann::json apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields);
 
+    // The dialog of an Options menu command (defaults, methods, cases, title,
+    // components, templates) and its OK, as for the equipment dialogs.
+    nlohmann::json options_dialog(const std::string& name);
+    nlohmann::json apply_options_texts(const std::string& name, const nlohmann::json& fields);
+
     // The plot of an item's dialog: a machine's curves with the last run's
     // operating points, a line's pressure profile; null for other kinds.
     nlohmann::json plot(const std::string& kind, int index);

@@ -170,6 +170,20 @@ void WebServer::routes() {
         reply_json(res, session_.plot(req.matches[1], std::stoi(req.matches[2])));
     });
 
+    s.Get(R"(/api/options/(mnuOptions[A-Za-z]+))", [this](const httplib::Request& req, httplib::Response& res) {
+        std::lock_guard<std::mutex> g(session_.lock);
+        const Json d = session_.options_dialog(req.matches[1]);
+        reply_json(res, d, d.contains("fields") ? 200 : 404);
+    });
+
+    s.Put(R"(/api/options/(mnuOptions[A-Za-z]+))", [this](const httplib::Request& req, httplib::Response& res) {
+        Json in;
+        if (!body_json(req, res, in)) return;
+        std::lock_guard<std::mutex> g(session_.lock);
+        const Json d = session_.apply_options_texts(req.matches[1], in.value("fields", Json::object()));
+        reply_json(res, d, d.contains("fields") ? 200 : 422);
+    });
+
     s.Post("/api/check-input", [this](const httplib::Request& req, httplib::Response& res) {
         Json in;
         if (!body_json(req, res, in)) return;

@@ -161,3 +161,27 @@ test("File > Import brings a stream table into the lines, shows its run log, and
   const line = s.items.find((i) => i.kind === "Line" && i.name === "S-101");
   assert.ok(line.labels.includes("Pi=150.0 kPag"), line.labels.join(" | "));
 });
+
+test("Options > Cases narrows the run to the first case; a bad atmospheric pressure is refused", async () => {
+  const { page, server } = await start("examples/pump_loop.vdf");
+  await menu(page, "mnuOptionsCases");
+  await page.waitForSelector("#dialog[data-kind=form]");
+  await fill(page, "CASENO", "1");
+  await fill(page, "CASEDSC", "NORMAL");
+  await fill(page, "CASERPT", "0");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  assert.equal((await sheetJson(server)).status.lblCase, "Case: 1");
+  await menu(page, "mnuOptionsDef");
+  await page.waitForSelector("#dialog[data-kind=form]");
+  await fill(page, "PATM", "-5");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#dialog .help.refused");
+  await page.keyboard.press("Escape");
+  await menu(page, "mnuRunSimRun");
+  await page.waitForFunction(() => document.body.dataset.run === "false" &&
+    document.querySelector("#runlog")?.textContent?.includes("solution reached"));
+  const log = await page.locator("#runlog").textContent();
+  assert.match(log, /Runlog - Case 1 solution reached/);
+  assert.doesNotMatch(log, /Case 2 Iter/);
+});

@@ -9,6 +9,12 @@ import { machinePlot, profilePlot } from "./plot";
 const modal = () => document.getElementById("modal") as HTMLDivElement;
 const dialogBox = () => document.getElementById("dialog") as HTMLDivElement;
 
+// A value in force with six significant figures at most.
+function readable(text: string): string {
+  const v = Number(text);
+  return text !== "" && Number.isFinite(v) && text.length > 8 ? String(Number(v.toPrecision(6))) : text;
+}
+
 function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputElement | HTMLSelectElement>): HTMLElement {
   const row = document.createElement("label");
   row.className = "field";
@@ -37,7 +43,7 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   unit.textContent = f.unit ?? "";
   const calc = document.createElement("span");
   calc.className = "calc";
-  calc.textContent = f.calculated ?? "";
+  calc.textContent = readable(f.calculated ?? "");
   calc.title = "Value in force (calculated or specified)";
   if (f.pair && f.calculated !== undefined) {
     // A double click on the entry copies the value in force into it.
@@ -50,20 +56,29 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
 }
 
 // Opens the dialog of an item; resolves true when OK changed the project.
-export async function editItem(kind: string, index: number): Promise<boolean> {
-  const d: Json = await get(`/api/dialog/${kind}/${index}`);
+export function editItem(kind: string, index: number): Promise<boolean> {
+  return editDialog(`/api/dialog/${kind}/${index}`, `/api/plot/${kind}/${index}`);
+}
+
+// Opens the dialog of an Options menu command.
+export function editOptions(name: string): Promise<boolean> {
+  return editDialog(`/api/options/${name}`, "");
+}
+
+async function editDialog(url: string, plotUrl: string): Promise<boolean> {
+  const d: Json = await get(url);
   if (!d.fields) {
-    await ui.message(d.message ?? `No dialog for ${kind} ${index}.`);
+    await ui.message(d.message ?? "No dialog.");
     return false;
   }
-  const plot: Json = await get(`/api/plot/${kind}/${index}`);
+  const plot: Json = plotUrl ? await get(plotUrl) : null;
   return new Promise((resolve) => {
     const box = dialogBox();
     box.replaceChildren();
     box.dataset.kind = "form";
     box.dataset.form = d.form;
     const title = document.createElement("h3");
-    title.textContent = `${d.form} - ${d.kind} ${index}`;
+    title.textContent = d.kind === "Options" ? d.form : `${d.form} - ${d.kind} ${d.index}`;
     const help = document.createElement("div");
     help.className = "help";
     const inputs = new Map<string, HTMLInputElement | HTMLSelectElement>();
@@ -117,7 +132,7 @@ export async function editItem(kind: string, index: number): Promise<boolean> {
     ok.addEventListener("click", async () => {
       const fields: Record<string, string> = {};
       for (const [name, input] of inputs) fields[name] = input.value;
-      const r: Json = await put(`/api/dialog/${kind}/${index}`, { fields });
+      const r: Json = await put(url, { fields });
       if (r.message) {
         help.textContent = r.message;
         help.classList.add("refused");

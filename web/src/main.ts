@@ -6,7 +6,7 @@ import { get, Json, post, token } from "./api";
 import { MENUS, PALETTE, PALETTE_TIP, POPUP, TOOLBAR, ZOOMS, ZOOM_TIP, Entry } from "./menus";
 import { ColourBy, range, renderSheet, TWIPS_PER_PIXEL } from "./render";
 import * as ui from "./ui";
-import { editItem } from "./dialog";
+import { editItem, editOptions } from "./dialog";
 
 const svg = document.getElementById("sheet") as unknown as SVGSVGElement;
 let sheet: Json = null;
@@ -99,6 +99,7 @@ async function command(name: string, args: Json = {}): Promise<void> {
   }
   if (r.view) await ui.viewText(r.view.name, r.view.text, r.view.title);
   if (r.edit) await openDialog(r.edit.kind, r.edit.index);
+  if (r.options && (await editOptions(r.options))) await refresh();
   if (r.run) watchRun();
   if (r.page) await pageAction(name);
   if (r.mailto) location.href = r.mailto;
