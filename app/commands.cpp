@@ -155,6 +155,7 @@ bool load_project(RunContext& ctx, Project& p, const std::string& file, FlashSet
         return false;
     }
     estimate_missing_pseudos(ctx, p.pseudos);
+    set_project_dirs(p.gen, library_dir_from_environment(), default_data_dir());
     FlashSetup components;
     LoadFlashSetup(ctx, p, library_dir_from_environment(), flash != nullptr ? *flash : components);
     return true;
@@ -201,6 +202,7 @@ int command_run(const RunOptions& opt) {
     if (opt.max_iter > 0) ctx.max_iter = opt.max_iter;
     if (opt.tolerance > 0.0) ctx.soserror = opt.tolerance;
     ctx.project_file = std::filesystem::absolute(opt.project, ec);
+    set_project_dirs(p.gen, library_dir_from_environment(), ctx.data_dir);
     ctx.run_mode = run_mode_of(opt.mode);
     // The balance alone works on the flows and pressures the records hold; a
     // run with both starts fresh unless --resume says otherwise.

@@ -47,6 +47,9 @@ void set_header(Header& g) {
     g.CASEDSC = "NORMAL;RATED;MINIMUM";
     g.CASERPT = "0;1;1";
     g.CASEDLG = 0;
+    g.DIRLIB = "{app}/data/";
+    g.DIRINI = "{config}/velm/";
+    g.DIRDAT = "{data}/velm/";
     g.COM[1] = fixed_width("VELM", 50);
     g.COM[2] = fixed_width("Town, Country", 50);
     g.PRJ[1] = fixed_width("Company", 50);

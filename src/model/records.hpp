@@ -441,6 +441,9 @@ struct Header {
     std::array<double, kCurvePoints + 1> CCURQ{}, CCURH{}, CCUREFF{};
     std::string CASENO, CASEDSC, CASERPT;
     int CASEDLG = 0;
+    // Where the libraries, the settings and the run files were when the
+    // project was last loaded or run, for the reader of the file.
+    std::string DIRLIB, DIRINI, DIRDAT;
     std::array<int, kMaxComps + 1> COMP{};   // component numbers 1..30 (keys COMP0, COMP1, COMP2)
     bool operator==(const Header&) const = default;
 };

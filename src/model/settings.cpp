@@ -226,4 +226,16 @@ std::pair<float, float> sheet_size(const std::string& name, float custom_width, 
     return {kSizes[0].w, kSizes[0].h};
 }
 
+void set_project_dirs(Header& gen, const std::filesystem::path& lib, const std::filesystem::path& data_dir) {
+    const auto folder = [](const std::filesystem::path& d) {
+        std::error_code ec;
+        std::string s = std::filesystem::absolute(d, ec).lexically_normal().string();
+        if (s.empty() || s.back() != '/') s += '/';
+        return s;
+    };
+    gen.DIRLIB = lib.empty() ? "(built in)" : folder(lib);
+    gen.DIRINI = folder(settings_file().parent_path());
+    gen.DIRDAT = folder(data_dir);
+}
+
 }  // namespace velm

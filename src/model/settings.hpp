@@ -61,6 +61,11 @@ std::string ExpandPath(RunContext& ctx, const std::string& path, const std::file
 // and the folder, and returns the folder as given.
 std::string MakePath(RunContext& ctx, const std::string& folder);
 
+// The directories a project file names for its reader: the library directory
+// (lib, or "(built in)" for the libraries compiled into the program), the
+// settings folder and the folder of the run files, each ending with "/".
+void set_project_dirs(Header& gen, const std::filesystem::path& lib, const std::filesystem::path& data_dir);
+
 // Width and height of a sheet size name in twips ("A4 Landscape" for an
 // unknown name; "Custom" keeps the given sizes unless one is 0).
 std::pair<float, float> sheet_size(const std::string& name, float custom_width, float custom_height);

@@ -151,10 +151,10 @@ std::vector<KeyDef<Header>> gen_keys() {
         {"CASEDSC", {T(CASEDSC)}},
         {"CASERPT", {T(CASERPT)}},
         {"CASEDLG", {I(CASEDLG)}},
-        // Directories are written for the reader's information and never read back.
-        {"DIRLIB", {W("{app}/data/")}},
-        {"DIRINI", {W("{config}/velm/")}},
-        {"DIRDAT", {W("{data}/velm/")}},
+        // Directories for the reader's information: the settings never take them.
+        {"DIRLIB", {T(DIRLIB)}},
+        {"DIRINI", {T(DIRINI)}},
+        {"DIRDAT", {T(DIRDAT)}},
         {"COMP0", array_slots<R, &R::COMP, Kind::Int, 1, 10>()},
         {"COMP1", array_slots<R, &R::COMP, Kind::Int, 11, 10>()},
         {"COMP2", array_slots<R, &R::COMP, Kind::Int, 21, 10>()},

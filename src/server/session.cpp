@@ -11,6 +11,7 @@
 #include "model/project_file.hpp"
 #include "server/sheet_json.hpp"
 #include "solver/run.hpp"
+#include "thermo/components.hpp"
 
 namespace velm {
 
@@ -81,6 +82,7 @@ bool Session::start(Interaction& io, const std::string& file) {
 }
 
 void Session::refresh_after_load() {
+    set_project_dirs(project_.gen, library_dir_from_environment(), data_dir_);
     SetUnits(units_, project_.gen);
     if (needs_layout(project_)) AutoLayout(project_);
     state_ = DrawState{};
@@ -207,37 +209,40 @@ nlohmann::json Session::options_dialog(const std::string& name) {
     return dialog_json(*d);
 }
 
-nlohmann::json Session::apply_options_texts(const std::string& name, const nlohmann::json& fields) {
+nlohmann::json Session::apply_texts(const std::function<std::string(RunContext&)>& ok,
+                                    const std::function<nlohmann::json()>& shown) {
     if (running_) return {{"message", "Simulation still running !"}};
     RecordingInteraction quiet;
     RunContext ctx(quiet);
     apply_run_limits(settings_, ctx);
     remember();
-    const std::string message = apply_options_dialog(ctx, project_, settings_, units_, name, typed_texts(fields));
+    const std::string message = ok(ctx);
     if (!message.empty()) {
         forget_unchanged();
         return {{"message", message}};
     }
     pending_ = false;
     state_.ProjectDirty = true;
-    SetUnits(units_, project_.gen);
-    WriteSettings(ctx, settings_file(), "save", settings_);
-    return options_dialog(name);
+    return shown();
+}
+
+nlohmann::json Session::apply_options_texts(const std::string& name, const nlohmann::json& fields) {
+    return apply_texts(
+        [&](RunContext& ctx) {
+            const std::string message =
+                apply_options_dialog(ctx, project_, settings_, units_, name, typed_texts(fields));
+            if (message.empty()) {
+                SetUnits(units_, project_.gen);
+                WriteSettings(ctx, settings_file(), "save", settings_);
+            }
+            return message;
+        },
+        [&] { return options_dialog(name); });
 }
 
 nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields) {
-    if (running_) return {{"message", "Simulation still running !"}};
-    RecordingInteraction quiet;
-    RunContext ctx(quiet);
-    remember();
-    const std::string message = apply_dialog(ctx, project_, units_, kind, index, typed_texts(fields));
-    if (!message.empty()) {
-        forget_unchanged();
-        return {{"message", message}};
-    }
-    pending_ = false;
-    state_.ProjectDirty = true;
-    return dialog(kind, index);
+    return apply_texts([&](RunContext& ctx) { return apply_dialog(ctx, project_, units_, kind, index, typed_texts(fields)); },
+                       [&] { return dialog(kind, index); });
 }
 
 nlohmann::json Session::plot(const std::string& kind, int index) {

@@ -124,6 +124,9 @@ private:
     bool open(Interaction& io, const std::string& file);
     bool save(Interaction& io, const std::string& file);
     bool ask_save_changes(Interaction& io);
+    // OK of a dialog under an undo step: ok returns "" or the refusal, shown the dialog after it.
+    nlohmann::json apply_texts(const std::function<std::string(RunContext&)>& ok,
+                               const std::function<nlohmann::json()>& shown);
     void start_run(int mode, bool resume);
     void finish_run(Project&& result, OperatingPoints&& points);
 

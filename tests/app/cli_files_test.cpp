@@ -62,3 +62,22 @@ TEST(FlashCliBadInput, NumbersThatCannotBeFlashed) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+// A saved project names the folders its run used: the libraries (built in
+// here), the settings folder and the --out folder, each ending with "/".
+TEST(Cli, ASavedProjectNamesTheFoldersOfItsRun) {
+    const fs::path dir = test::fresh_dir("dirs");
+    const Outcome o = test::velm("run " + kExample + " --out out --save plant.vdf", dir);
+    ASSERT_EQ(o.status, 0) << o.text();
+    const std::string saved = test::slurp(dir / "plant.vdf");
+    EXPECT_NE(saved.find("\"\\GEN\",0,\"DIRLIB\",\"(built in)\""), std::string::npos) << saved.substr(0, 2000);
+    EXPECT_NE(saved.find("\"\\GEN\",0,\"DIRDAT\",\"" + (fs::canonical(dir) / "out").string() + "/\""), std::string::npos)
+        << saved.substr(0, 2000);
+    EXPECT_NE(saved.find("\"\\GEN\",0,\"DIRINI\",\"/"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace velm

@@ -1,25 +1,9 @@
 // The equipment dialogs in the page: opened by a double click, judged by the
 // server on OK, with the pump's curves and operating points after a run.
-import { test, after } from "node:test";
+import { test } from "node:test";
 import assert from "node:assert/strict";
 import { readdirSync } from "node:fs";
-import { answer, at, click, idle, menu, openPage, root, scratchProject, serve, sheetJson } from "./support.mjs";
-
-const cleanup = [];
-after(async () => {
-  for (const f of cleanup.reverse()) await f();
-});
-
-async function start(example) {
-  const { dir, file } = await scratchProject(example);
-  const server = await serve(file, dir);
-  const { browser, page, errors } = await openPage(server.url);
-  cleanup.push(async () => {
-    await browser.close();
-    server.proc.kill("SIGKILL");
-  });
-  return { dir, file, server, page, errors };
-}
+import { answer, at, click, idle, menu, root, sheetJson, start } from "./support.mjs";
 
 async function api(server, path, init = {}) {
   const res = await fetch(`http://127.0.0.1:${server.port}${path}`,

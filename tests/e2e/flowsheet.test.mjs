@@ -1,25 +1,9 @@
 // The flowsheet page used as an engineer uses it: open, run, draw, edit, undo.
-import { test, after } from "node:test";
+import { test } from "node:test";
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { join } from "node:path";
-import { answer, click, drag, idle, menu, openPage, root, scratchProject, serve, sheetJson } from "./support.mjs";
-
-const cleanup = [];
-after(async () => {
-  for (const f of cleanup.reverse()) await f();
-});
-
-async function start(example) {
-  const { dir, file } = await scratchProject(example);
-  const server = await serve(file, dir);
-  const { browser, page, errors } = await openPage(server.url);
-  cleanup.push(async () => {
-    await browser.close();
-    server.proc.kill("SIGKILL");
-  });
-  return { dir, file, server, page, errors };
-}
+import { answer, click, drag, idle, menu, root, sheetJson, start } from "./support.mjs";
 
 const items = (sheet, kind) => sheet.items.filter((i) => i.kind === kind);
 

@@ -6,6 +6,7 @@ import { tmpdir } from "node:os";
 import { join, resolve, dirname } from "node:path";
 import { fileURLToPath } from "node:url";
 import { chromium } from "playwright-core";
+import { after } from "node:test";
 
 export const root = resolve(dirname(fileURLToPath(import.meta.url)), "../..");
 export const velm = process.env.VELM_EXE ?? join(root, "build/velm");
@@ -120,4 +121,22 @@ export async function sheetJson(server, labels = "") {
     headers: { "X-Velm-Token": server.token },
   });
   return res.json();
+}
+
+// velm serve on a scratch copy of an example (a new project for null) with its
+// page open; everything started is stopped after the file's tests.
+const running = [];
+export async function start(example) {
+  if (running.length === 0)
+    after(async () => {
+      for (const stop of running.splice(0).reverse()) await stop();
+    });
+  const { dir, file } = await scratchProject(example);
+  const server = await serve(file, dir);
+  const { browser, page, errors } = await openPage(server.url);
+  running.push(async () => {
+    await browser.close();
+    server.proc.kill("SIGKILL");
+  });
+  return { dir, file, server, page, errors };
 }
