@@ -6,6 +6,7 @@
 #include "drawing/edit_ops.hpp"
 #include "drawing/items.hpp"
 #include "drawing/line_points.hpp"
+#include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "server/session.hpp"
 
@@ -81,6 +82,24 @@ void BM_PointerDragStep(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_PointerDragStep)->Arg(500)->Unit(benchmark::kMillisecond);
+
+// The pump's dialog of the pump loop opened and OK'd with every text as shown:
+// what a double click and OK cost the server.
+void BM_DialogRoundTrip(benchmark::State& state) {
+    Session session([](RunContext& ctx, Project& p, const std::string& file) {
+        NewProject(p);
+        return ReadPipeLib(ctx, p.pipedata, {}) && ReadVdf(ctx, p, file);
+    }, "/tmp/velm_bench_server");
+    RecordingInteraction quiet;
+    session.start(quiet, std::string(VELM_SOURCE_DIR) + "/examples/pump_loop.vdf");
+    for (auto _ : state) {
+        const nlohmann::json d = session.dialog("Pump", 1);
+        nlohmann::json fields = nlohmann::json::object();
+        for (const auto& f : d["fields"]) fields[f["name"].get<std::string>()] = f["text"];
+        benchmark::DoNotOptimize(session.apply_dialog_texts("Pump", 1, fields).dump());
+    }
+}
+BENCHMARK(BM_DialogRoundTrip)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace velm

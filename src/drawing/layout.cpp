@@ -113,21 +113,24 @@ std::vector<int> rows(const Graph& g, const std::vector<int>& col) {
 
 // An orthogonal route from (x0, y0) to (x1, y1): straight, two bends in the
 // middle, or round below the drawing when the end lies behind the start.
-void route(Line& l, float x0, float y0, float x1, float y1, float below, float grid) {
+// lane (0..4) shifts the vertical run of a route so that lines leaving one
+// column do not lie on top of each other.
+void route(Line& l, float x0, float y0, float x1, float y1, float below, float grid, int lane) {
     l.BEND = 0;
     set_point(l, 0, x0, y0);
     set_point(l, 1, x1, y1);
     if (y0 == y1 && x1 > x0) return;
-    if (x1 > x0 + grid) {
-        const float mid = Snap((x0 + x1) / 2.0, grid);
+    if (x1 > x0 + 5 * grid) {
+        const float mid = Snap((x0 + x1) / 2.0, grid) + static_cast<float>(lane - 2) * grid;
         insert_point(l, 1, mid, y0);
         insert_point(l, 2, mid, y1);
         return;
     }
-    insert_point(l, 1, x0 + 3 * grid, y0);
-    insert_point(l, 2, x0 + 3 * grid, below);
-    insert_point(l, 3, x1 - 3 * grid, below);
-    insert_point(l, 4, x1 - 3 * grid, y1);
+    const float out = static_cast<float>(3 + lane) * grid;
+    insert_point(l, 1, x0 + out, y0);
+    insert_point(l, 2, x0 + out, below + static_cast<float>(lane) * grid);
+    insert_point(l, 3, x1 - out, below + static_cast<float>(lane) * grid);
+    insert_point(l, 4, x1 - out, y1);
 }
 
 }  // namespace
@@ -173,15 +176,15 @@ int AutoLayout(Project& p) {
         if (a >= 0 && b >= 0) {
             const auto [x0, y0] = port_at(a, 7);
             const auto [x1, y1] = port_at(b, 8);
-            route(l, x0, y0, x1, y1, below, grid);
+            route(l, x0, y0, x1, y1, below, grid, L % 5);
         } else if (a >= 0) {
             const auto [x0, y0] = port_at(a, 7);
-            route(l, x0, y0, x0 + kFreeEnd, y0, below, grid);
+            route(l, x0, y0, x0 + kFreeEnd, y0, below, grid, L % 5);
         } else if (b >= 0) {
             const auto [x1, y1] = port_at(b, 8);
-            route(l, x1 - kFreeEnd, y1, x1, y1, below, grid);
+            route(l, x1 - kFreeEnd, y1, x1, y1, below, grid, L % 5);
         } else {
-            route(l, origin, loose_y, origin + kFreeEnd, loose_y, below, grid);
+            route(l, origin, loose_y, origin + kFreeEnd, loose_y, below, grid, L % 5);
             loose_y += kRowPitch / 2;
         }
         // The label block under the first segment, clear of the item the line leaves.

@@ -168,10 +168,28 @@ void abandon_pipe(Project& p, DrawState& st) {
     st.changed = true;
 }
 
+// A bend of a line is selected on its own, so that Del takes the bend and not
+// the line, and Add Bend puts a new one after it.
+void select_bend(Project& p, DrawState& st, const PointerEvent& e) {
+    Line& l = p.lines[static_cast<std::size_t>(st.HoverIndex)];
+    int& flag = l.PointSelected[static_cast<std::size_t>(st.HoverPoint)];
+    if (e.shift) flag = 0;
+    else {
+        if (!e.ctrl && !flag) SelectItems(p, 0, false, "");
+        flag = -1;
+    }
+    st.changed = true;
+    st.ActionKind = "Line";
+    st.ActionIndex = st.HoverIndex;
+    st.ActionPoint = st.HoverPoint;
+    st.DrawAction = kDraggingPoint;
+}
+
 void select_for_drag(Project& p, DrawState& st, const PointerEvent& e) {
     const auto kind = kind_from_name(st.HoverKind);
     if (!kind) return;
     const ItemRef r{*kind, st.HoverIndex};
+    if (r.kind == ItemKind::Line && st.HoverPoint > 0 && r.index <= count(p.lines)) return select_bend(p, st, e);
     int* flag = selected_flag(p, r);
     if (!flag) return;
     if (e.shift) *flag = 0;
@@ -183,14 +201,7 @@ void select_for_drag(Project& p, DrawState& st, const PointerEvent& e) {
     const float g = sheet_grid(p);
     st.DragX = Snap(e.x, g);
     st.DragY = Snap(e.y, g);
-    if (r.kind == ItemKind::Line && st.HoverPoint > 0) {
-        st.ActionKind = "Line";
-        st.ActionIndex = r.index;
-        st.ActionPoint = st.HoverPoint;
-        st.DrawAction = kDraggingPoint;
-    } else {
-        st.DrawAction = kDraggingSelection;
-    }
+    st.DrawAction = kDraggingSelection;
 }
 
 void carry_pipe_end(Project& p, DrawState& st) {
