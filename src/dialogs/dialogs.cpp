@@ -2,6 +2,7 @@
 // steps for every kind, driven by the kind's field table.
 #include "dialogs/dialogs.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <map>
@@ -204,6 +205,59 @@ std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const Displ
 std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
                          const std::vector<std::pair<std::string, std::string>>& texts) {
     return dialog::apply_record(ctx, p, units, kind, index, 1, texts);
+}
+
+std::vector<std::string> unit_choices(std::string_view unit_class) {
+    static const std::vector<std::pair<std::string_view, std::vector<std::string>>> kChoices = {
+        {"pressure", {"kPag", "kPa", "barg", "bara", "psig", "psia", "kg/cm2g", "mmHg", "Pag", "MPag"}},
+        {"length", {"m", "ft", "mm", "in"}},
+        {"head", {"m", "ft"}},
+        {"diameter", {"mm", "m", "in", "ft"}},
+        {"temperature", {"C", "F", "K", "R"}},
+        {"mass_flow", {"kg/h", "t/h", "lb/h", "kg/s", "klb/h"}},
+        {"liquid_volume_flow", {"m3/h", "USGPM", "l/s", "m3/d", "bbl/d"}},
+        {"gas_volume_flow", {"m3/h", "ft3/h", "m3/s"}},
+        {"density", {"kg/m3", "lb/ft3"}},
+        {"velocity", {"m/s", "ft/s"}},
+        {"gradient", {"kPa/100m", "psi/100ft", "bar/km"}},
+        {"duty", {"kJ/h", "GJ/h", "kW", "MW", "Btu/h"}},
+        {"heat_transfer_coefficient", {"W/m2/K", "Btu/h/ft2/F"}},
+        {"conductivity", {"W/m/K", "Btu/h/ft/F"}},
+    };
+    std::vector<std::string> out;
+    for (const auto& [cls, names] : kChoices)
+        if (cls == unit_class)
+            for (const std::string& n : names)
+                if (cls == "temperature" || is_known_unit(n)) out.push_back(n);
+    return out;
+}
+
+bool set_class_unit(DisplayUnits& units, std::string_view unit_class, const std::string& unit) {
+    const std::vector<std::string> choices = unit_choices(unit_class);
+    if (std::find(choices.begin(), choices.end(), unit) == choices.end()) return false;
+    for (const dialog::UnitClass& c : dialog::kUnitClasses)
+        if (unit_class == c.name) units.*c.shown = unit;
+    return true;
+}
+
+std::string convert_entry(RunContext& ctx, const std::string& text, std::string_view unit_class, const std::string& from,
+                          const std::string& to) {
+    using dialog::EntryUnit;
+    const EntryUnit internal = dialog::unit_of(std::string(unit_class), DisplayUnits{});
+    if (internal.cls.empty() || from == to) return text;
+    const EntryUnit a{internal.cls, from, internal.internal}, b{internal.cls, to, internal.internal};
+    if (!internal.temperature()) return dialog::shown_case(ctx, dialog::internal_case(ctx, text, a), b);
+    // Temperatures convert entry by entry with their offsets; letters and empty entries stay.
+    std::string out;
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t end = text.find(';', start);
+        const std::string entry = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        out += parse_number(entry) ? dialog::shown_number(ctx, dialog::internal_number(ctx, entry, a), b) : entry;
+        if (end == std::string::npos) return out;
+        out += ';';
+        start = end + 1;
+    }
 }
 
 std::vector<std::string> equation_forms(std::string_view kind) {

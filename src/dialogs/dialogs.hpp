@@ -54,6 +54,17 @@ std::optional<Dialog> load_dialog(RunContext& ctx, const Project& p, const Displ
 std::string apply_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, std::string_view kind, int index,
                          const std::vector<std::pair<std::string, std::string>>& texts);
 
+// The units a dialog's unit box offers for a quantity ("pressure", "length",
+// "temperature", ...), each one the conversions know; empty for another.
+std::vector<std::string> unit_choices(std::string_view unit_class);
+// Shows the quantity in that unit; false (nothing changed) for a unit the box
+// does not offer.
+bool set_class_unit(DisplayUnits& units, std::string_view unit_class, const std::string& unit);
+// An entry's text (a number or a case string; letters and empty entries kept)
+// from one unit of the quantity to another, as a unit box converts the text on show.
+std::string convert_entry(RunContext& ctx, const std::string& text, std::string_view unit_class, const std::string& from,
+                          const std::string& to);
+
 // The forms of the user equations that the page shows beside the equation entries of a "Line", "Feed" or
 // "Prod" dialog; empty for the other kinds.
 std::vector<std::string> equation_forms(std::string_view kind);

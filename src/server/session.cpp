@@ -174,12 +174,16 @@ namespace {
 
 nlohmann::json dialog_json(const Dialog& d) {
     nlohmann::json fields = nlohmann::json::array();
+    nlohmann::json boxes = nlohmann::json::object();
+    for (const DialogField& f : d.fields)
+        if (!f.unit_class.empty() && !boxes.contains(f.unit_class))
+            boxes[f.unit_class] = {{"unit", f.unit}, {"choices", unit_choices(f.unit_class)}};
     for (const DialogField& f : d.fields)
         fields.push_back({{"name", f.name}, {"label", f.label}, {"check", f.check}, {"unit_class", f.unit_class},
                           {"unit", f.unit}, {"hint", f.hint}, {"tab", f.tab}, {"pair", f.pair}, {"text", f.text},
                           {"calculated", f.calculated}, {"choices", f.choices}});
     return {{"form", d.form}, {"kind", d.kind}, {"index", d.index}, {"fields", std::move(fields)},
-            {"forms", equation_forms(d.kind)}};
+            {"units", std::move(boxes)}, {"forms", equation_forms(d.kind)}};
 }
 
 std::vector<std::pair<std::string, std::string>> typed_texts(const nlohmann::json& fields) {
@@ -192,10 +196,18 @@ std::vector<std::pair<std::string, std::string>> typed_texts(const nlohmann::jso
 
 }  // namespace
 
-nlohmann::json Session::dialog(const std::string& kind, int index) {
+DisplayUnits Session::dialog_units(const nlohmann::json& units) const {
+    DisplayUnits u = units_;
+    if (units.is_object())
+        for (const auto& [cls, unit] : units.items())
+            if (unit.is_string()) set_class_unit(u, cls, unit.get<std::string>());
+    return u;
+}
+
+nlohmann::json Session::dialog(const std::string& kind, int index, const nlohmann::json& units) {
     RecordingInteraction quiet;
     RunContext ctx(quiet);
-    const auto d = load_dialog(ctx, project_, units_, kind, index);
+    const auto d = load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
     return dialog_json(*d);
 }
@@ -240,9 +252,11 @@ nlohmann::json Session::apply_options_texts(const std::string& name, const nlohm
         [&] { return options_dialog(name); });
 }
 
-nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields) {
-    return apply_texts([&](RunContext& ctx) { return apply_dialog(ctx, project_, units_, kind, index, typed_texts(fields)); },
-                       [&] { return dialog(kind, index); });
+nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields,
+                                           const nlohmann::json& units) {
+    const DisplayUnits u = dialog_units(units);
+    return apply_texts([&](RunContext& ctx) { return apply_dialog(ctx, project_, u, kind, index, typed_texts(fields)); },
+                       [&] { return dialog(kind, index, units); });
 }
 
 nlohmann::json Session::plot(const std::string& kind, int index) {

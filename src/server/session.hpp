@@ -71,10 +71,12 @@ public:
 
     // The dialog of an item as the page draws it (fields with their texts on
     // show), or {"message"} when the item has none.
-    nlohmann::json dialog(const std::string& kind, int index);
+    // units: {"pressure": "psig", ...}, the dialog's own unit boxes.
+    nlohmann::json dialog(const std::string& kind, int index, const nlohmann::json& units = {});
     // OK of that dialog with the typed texts: {"message"} with nothing changed,
     // or the dialog as it now stands.
-    nlohmann::json apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields);
+    nlohmann::json apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields,
+                                      const nlohmann::json& units = {});
 
     // The dialog of an Options menu command (defaults, methods, cases, title,
     // components, templates) and its OK, as for the equipment dialogs.
@@ -127,6 +129,8 @@ private:
     // OK of a dialog under an undo step: ok returns "" or the refusal, shown the dialog after it.
     nlohmann::json apply_texts(const std::function<std::string(RunContext&)>& ok,
                                const std::function<nlohmann::json()>& shown);
+    // The display units with the dialog's unit boxes in force.
+    DisplayUnits dialog_units(const nlohmann::json& units) const;
     void start_run(int mode, bool resume);
     void finish_run(Project&& result, OperatingPoints&& points);
 

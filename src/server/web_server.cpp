@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "dialogs/check_input.hpp"
+#include "dialogs/dialogs.hpp"
 #include "server/web_files.hpp"
 
 namespace velm {
@@ -153,7 +154,8 @@ void WebServer::routes() {
 
     s.Get(R"(/api/dialog/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
-        const Json d = session_.dialog(req.matches[1], std::stoi(req.matches[2]));
+        const Json units = Json::parse(req.get_param_value("units"), nullptr, false);
+        const Json d = session_.dialog(req.matches[1], std::stoi(req.matches[2]), units.is_discarded() ? Json{} : units);
         reply_json(res, d, d.contains("fields") ? 200 : 404);
     });
 
@@ -161,7 +163,8 @@ void WebServer::routes() {
         Json in;
         if (!body_json(req, res, in)) return;
         std::lock_guard<std::mutex> g(session_.lock);
-        const Json d = session_.apply_dialog_texts(req.matches[1], std::stoi(req.matches[2]), in.value("fields", Json::object()));
+        const Json d = session_.apply_dialog_texts(req.matches[1], std::stoi(req.matches[2]),
+                                                   in.value("fields", Json::object()), in.value("units", Json::object()));
         reply_json(res, d, d.contains("fields") ? 200 : 422);
     });
 
@@ -182,6 +185,21 @@ void WebServer::routes() {
         std::lock_guard<std::mutex> g(session_.lock);
         const Json d = session_.apply_options_texts(req.matches[1], in.value("fields", Json::object()));
         reply_json(res, d, d.contains("fields") ? 200 : 422);
+    });
+
+    // A unit box changed: the texts on show of its quantity from one unit to the other.
+    s.Post("/api/convert", [](const httplib::Request& req, httplib::Response& res) {
+        Json in;
+        if (!body_json(req, res, in)) return;
+        RecordingInteraction quiet;
+        RunContext ctx(quiet);
+        const std::string cls = in.value("class", std::string()), from = in.value("from", std::string()),
+                          to = in.value("to", std::string());
+        Json out = Json::object();
+        if (in.contains("texts") && in["texts"].is_object())
+            for (const auto& [name, text] : in["texts"].items())
+                if (text.is_string()) out[name] = convert_entry(ctx, text.get<std::string>(), cls, from, to);
+        reply_json(res, {{"texts", out}});
     });
 
     s.Post("/api/check-input", [this](const httplib::Request& req, httplib::Response& res) {

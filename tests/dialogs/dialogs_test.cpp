@@ -353,3 +353,30 @@ TEST_F(DialogsTest, LoadShowsTheRecordInDisplayUnits) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+// A unit box: the texts on show of its quantity change unit, entry by entry,
+// temperatures with their offsets; letters and empty entries stay.
+TEST(DialogUnitBoxes, ConvertTheTextsOnShow) {
+    RecordingInteraction io;
+    RunContext ctx(io);
+    struct Row {
+        const char *text, *cls, *from, *to, *expected;
+    };
+    for (const Row& r : {Row{"250", "pressure", "kPag", "barg", "2.5"}, Row{"100;;E", "pressure", "kPag", "barg", "1;;E"},
+                         Row{"100;C", "temperature", "C", "F", "212;C"}, Row{"-40", "temperature", "C", "F", "-40"},
+                         Row{"3", "length", "m", "m", "3"}, Row{"1", "length", "m", "mm", "1000"}})
+        EXPECT_EQ(convert_entry(ctx, r.text, r.cls, r.from, r.to), r.expected) << r.text << " " << r.to;
+    DisplayUnits u;
+    EXPECT_TRUE(set_class_unit(u, "pressure", "psig"));
+    EXPECT_EQ(u.pressure, "psig");
+    EXPECT_FALSE(set_class_unit(u, "pressure", "furlongs"));
+    EXPECT_FALSE(set_class_unit(u, "colour", "red"));
+    EXPECT_EQ(u.pressure, "psig");
+    EXPECT_TRUE(io.told.empty());
+}
+
+}  // namespace
+}  // namespace velm

@@ -169,3 +169,19 @@ test("Options > Cases narrows the run to the first case; a bad atmospheric press
   assert.match(log, /Runlog - Case 1 solution reached/);
   assert.doesNotMatch(log, /Case 2 Iter/);
 });
+
+test("a unit box converts the texts on show, and OK takes them in that unit", async () => {
+  const { page, server } = await start("examples/pump_loop.vdf");
+  const feed = (await sheetJson(server)).items.find((i) => i.kind === "Feed");
+  await openDialogOf(page, feed);
+  const elev = async () => Number(await field(page, "ELEV").inputValue());
+  assert.equal(await elev(), 3);
+  await page.locator('#dialog select[data-units="length"]').selectOption("ft");
+  await page.waitForFunction(() => document.querySelector('#dialog [data-field="ELEV"]').value !== "3");
+  assert.ok(Math.abs((await elev()) - 9.84252) < 1e-4, String(await elev()));
+  await fill(page, "ELEV", "32.8084");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const d = await api(server, "/api/dialog/Feed/1");
+  assert.ok(Math.abs(Number(d.fields.find((f) => f.name === "ELEV").text) - 10) < 1e-4);
+});

@@ -2,7 +2,7 @@
 // fields (name, label, unit, hint, tab, text on show, value in force) and
 // judges OK; the page lays them out and sends the texts back.
 
-import { get, Json, put } from "./api";
+import { get, Json, post, put } from "./api";
 import * as ui from "./ui";
 import { machinePlot, profilePlot } from "./plot";
 
@@ -13,6 +13,39 @@ const dialogBox = () => document.getElementById("dialog") as HTMLDivElement;
 function readable(text: string): string {
   const v = Number(text);
   return text !== "" && Number.isFinite(v) && text.length > 8 ? String(Number(v.toPrecision(6))) : text;
+}
+
+// The dialog's unit boxes, one per quantity: a change converts the texts on
+// show of that quantity, and OK sends the texts with the units they are in.
+function unitBoxes(d: Json, inputs: Map<string, HTMLInputElement | HTMLSelectElement>, chosen: Record<string, string>,
+                   unitLabels: Map<string, HTMLElement[]>): HTMLElement {
+  const bar = document.createElement("div");
+  bar.className = "units";
+  for (const [cls, box] of Object.entries<Json>(d.units ?? {})) {
+    if (!box.choices?.length) continue;
+    chosen[cls] = box.unit;
+    const label = document.createElement("label");
+    label.textContent = cls.replace(/_/g, " ") + " ";
+    const sel = document.createElement("select");
+    sel.dataset.units = cls;
+    for (const u of box.choices) sel.add(new Option(u, u, u === box.unit, u === box.unit));
+    if (!box.choices.includes(box.unit)) sel.add(new Option(box.unit, box.unit, true, true));
+    sel.addEventListener("change", async () => {
+      const names = d.fields.filter((f: Json) => f.unit_class === cls).map((f: Json) => f.name);
+      const texts: Record<string, string> = {};
+      for (const n of names) texts[n] = inputs.get(n)?.value ?? "";
+      const r: Json = await post("/api/convert", { class: cls, from: chosen[cls], to: sel.value, texts });
+      for (const n of names) {
+        const input = inputs.get(n);
+        if (input && r.texts?.[n] !== undefined) input.value = r.texts[n];
+      }
+      for (const span of unitLabels.get(cls) ?? []) span.textContent = sel.value;
+      chosen[cls] = sel.value;
+    });
+    label.appendChild(sel);
+    bar.appendChild(label);
+  }
+  return bar;
 }
 
 function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputElement | HTMLSelectElement>): HTMLElement {
@@ -107,7 +140,13 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
       tabBar.appendChild(b);
       return page;
     };
-    for (const f of d.fields) pageOf(f.tab || "General").appendChild(fieldRow(f, help, inputs));
+    const unitLabels = new Map<string, HTMLElement[]>();
+    for (const f of d.fields) {
+      const row = pageOf(f.tab || "General").appendChild(fieldRow(f, help, inputs));
+      if (f.unit_class) unitLabels.set(f.unit_class, [...(unitLabels.get(f.unit_class) ?? []), row.querySelector(".unit") as HTMLElement]);
+    }
+    const chosen: Record<string, string> = {};
+    const bar = url.startsWith("/api/dialog/") ? unitBoxes(d, inputs, chosen, unitLabels) : null;
     if (plot && (plot.cases?.length || plot.lines?.length))
       pageOf("Plot").appendChild(plot.cases ? machinePlot(plot) : profilePlot(plot));
     const buttons = document.createElement("div");
@@ -119,7 +158,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     cancel.textContent = "Cancel";
     cancel.dataset.answer = "Cancel";
     buttons.append(ok, cancel);
-    box.append(title, ...(tabs.size > 1 ? [tabBar] : []), pages, help, buttons);
+    box.append(title, ...(bar && bar.childElementCount ? [bar] : []), ...(tabs.size > 1 ? [tabBar] : []), pages, help, buttons);
     modal().hidden = false;
     (inputs.values().next().value as HTMLElement | undefined)?.focus();
 
@@ -132,7 +171,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     ok.addEventListener("click", async () => {
       const fields: Record<string, string> = {};
       for (const [name, input] of inputs) fields[name] = input.value;
-      const r: Json = await put(url, { fields });
+      const r: Json = await put(url, { fields, units: chosen });
       if (r.message) {
         help.textContent = r.message;
         help.classList.add("refused");
