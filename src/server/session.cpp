@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "correlations/compressor.hpp"
+#include "correlations/pump.hpp"
 #include "dialogs/dialogs.hpp"
 #include "dialogs/options.hpp"
 #include "drawing/edit_ops.hpp"
@@ -257,6 +259,27 @@ nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, c
     const DisplayUnits u = dialog_units(units);
     return apply_texts([&](RunContext& ctx) { return apply_dialog(ctx, project_, u, kind, index, typed_texts(fields)); },
                        [&] { return dialog(kind, index, units); });
+}
+
+nlohmann::json Session::typical_curve(Interaction& io, const std::string& kind, int index) {
+    if (running_) return {{"message", "Simulation still running !"}};
+    const bool pump = kind == "Pump";
+    if (!pump && kind != "Comp") return {{"message", "Only pumps and compressors have curves."}};
+    if (index < 1 || index > (pump ? count(project_.pumps) : count(project_.comps)))
+        return {{"message", "No equipment to edit."}};
+    if (io.ask(pump ? "Overwrite data with typical curve from current Q, H, Eff and NPSHR ?"
+                    : "Overwrite data with typical curve from current Q, H and Eff ?",
+               {"Yes", "No"}) != 0)
+        return dialog(kind, index);
+    // The curve is worked out on a copy: the dialog shows it, and its OK writes it.
+    Project scratch = project_;
+    const Header& g = scratch.gen;
+    if (pump) pump_curve_generate(scratch.pumps[static_cast<std::size_t>(index)], g.PCURQ, g.PCURH, g.PCUREFF, g.PCURNPSH);
+    else comp_curve_generate(scratch.comps[static_cast<std::size_t>(index)], g.CCURQ, g.CCURH, g.CCUREFF);
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    const auto d = load_dialog(ctx, scratch, units_, kind, index);
+    return d ? dialog_json(*d) : nlohmann::json{{"message", "No equipment to edit."}};
 }
 
 nlohmann::json Session::plot(const std::string& kind, int index) {

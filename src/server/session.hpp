@@ -83,6 +83,11 @@ public:
     nlohmann::json options_dialog(const std::string& name);
     nlohmann::json apply_options_texts(const std::string& name, const nlohmann::json& fields);
 
+    // A pump's or compressor's dialog with its curve filled from the project's
+    // typical curve through the present point, after the program's question;
+    // nothing changes until the dialog's OK. {"message"} for another item.
+    nlohmann::json typical_curve(Interaction& io, const std::string& kind, int index);
+
     // The plot of an item's dialog: a machine's curves with the last run's
     // operating points, a line's pressure profile; null for other kinds.
     nlohmann::json plot(const std::string& kind, int index);

@@ -279,6 +279,15 @@ void WebServer::routes() {
         });
     });
 
+    s.Post(R"(/api/dialog/(Pump|Comp)/(\d{1,9})/typical-curve)", [this, interactive](const httplib::Request& req,
+                                                                                    httplib::Response& res) {
+        const std::string kind = req.matches[1];
+        const int index = std::stoi(req.matches[2]);
+        interactive(req, res, [this, kind, index](Interaction& io, const Json&) {
+            return session_.typical_curve(io, kind, index);
+        });
+    });
+
     s.Post(R"(/api/command/([A-Za-z]+))", [this, interactive](const httplib::Request& req, httplib::Response& res) {
         const std::string name = req.matches[1];
         interactive(req, res, [this, name](Interaction& io, const Json& in) {

@@ -185,3 +185,24 @@ test("a unit box converts the texts on show, and OK takes them in that unit", as
   const d = await api(server, "/api/dialog/Feed/1");
   assert.ok(Math.abs(Number(d.fields.find((f) => f.name === "ELEV").text) - 10) < 1e-4);
 });
+
+test("the pump's typical curve asks first, fills the curve, and only OK keeps it", async () => {
+  const { page, server } = await start("examples/pump_loop.vdf");
+  await menu(page, "mnuRunSimRun");
+  await page.waitForFunction(() => document.body.dataset.run === "false" &&
+    document.querySelector("#runlog")?.textContent?.includes("solution reached"));
+  const pump = (await sheetJson(server)).items.find((i) => i.kind === "Pump");
+  await openDialogOf(page, pump);
+  const before = await field(page, "CURQ10").inputValue();
+  await page.locator('#dialog button[data-answer="Typical curve"]').click();
+  await page.waitForSelector('#dialog .help button[data-answer="Yes"]');
+  assert.match(await page.locator("#dialog .help").textContent(),
+    /^Overwrite data with typical curve from current Q, H, Eff and NPSHR \?/);
+  await page.locator('#dialog .help button[data-answer="Yes"]').click();
+  await page.waitForFunction((b) => document.querySelector('#dialog [data-field="CURQ10"]').value !== b, before);
+  const filled = await field(page, "CURQ10").inputValue();
+  assert.equal((await api(server, "/api/dialog/Pump/1")).fields.find((f) => f.name === "CURQ10").text, before);
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  assert.equal((await api(server, "/api/dialog/Pump/1")).fields.find((f) => f.name === "CURQ10").text, filled);
+});

@@ -88,6 +88,36 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   return row;
 }
 
+// Fills the curve with the project's typical curve through the present point,
+// after the program's question, asked inside the dialog; the texts on show follow.
+function typicalCurveButton(url: string, inputs: Map<string, HTMLInputElement | HTMLSelectElement>,
+                            help: HTMLElement): HTMLButtonElement {
+  const b = document.createElement("button");
+  b.textContent = "Typical curve";
+  b.dataset.answer = "Typical curve";
+  const send = async (answers: number[]) => {
+    const r: Json = await post(`${url}/typical-curve`, { answers });
+    if (r.question) {
+      help.replaceChildren(r.question.text + " ");
+      r.question.choices.forEach((c: string, i: number) => {
+        const yes = document.createElement("button");
+        yes.textContent = c;
+        yes.dataset.answer = c;
+        yes.addEventListener("click", () => void send([i]));
+        help.appendChild(yes);
+      });
+      return;
+    }
+    help.textContent = r.message ?? "";
+    for (const f of r.fields ?? []) {
+      const input = inputs.get(f.name);
+      if (input) input.value = f.text;
+    }
+  };
+  b.addEventListener("click", () => void send([]));
+  return b;
+}
+
 // Opens the dialog of an item; resolves true when OK changed the project.
 export function editItem(kind: string, index: number): Promise<boolean> {
   return editDialog(`/api/dialog/${kind}/${index}`, `/api/plot/${kind}/${index}`);
@@ -151,6 +181,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
       pageOf("Plot").appendChild(plot.cases ? machinePlot(plot) : profilePlot(plot));
     const buttons = document.createElement("div");
     buttons.className = "buttons";
+    if (/^\/api\/dialog\/(Pump|Comp)\//.test(url)) buttons.appendChild(typicalCurveButton(url, inputs, help));
     const ok = document.createElement("button");
     ok.textContent = "OK";
     ok.dataset.answer = "OK";
