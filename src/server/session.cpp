@@ -327,7 +327,11 @@ bool Session::redo() {
     return true;
 }
 
-nlohmann::json Session::pointer(Interaction& io, const std::string& type, const PointerEvent& e) {
+nlohmann::json Session::pointer(Interaction& io, const std::string& type, const PointerEvent& event) {
+    // A pointer far off any sheet is held at its edge, so that no place becomes infinite.
+    PointerEvent e = event;
+    e.x = std::clamp(e.x, -1.0e7f, 1.0e7f);
+    e.y = std::clamp(e.y, -1.0e7f, 1.0e7f);
     state_.changed = false;
     state_.edit_request = {};
     state_.RunActive = running_;

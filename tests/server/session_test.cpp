@@ -2,8 +2,11 @@
 // nothing, undo and redo, the sheet's JSON, runs on the worker thread.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <random>
 
+#include "drawing/items.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "server/rtf_text.hpp"
@@ -143,6 +146,57 @@ TEST(Token, ThirtyTwoHexDigitsAndNeverTheSame) {
     EXPECT_EQ(a.size(), 32u);
     EXPECT_EQ(a.find_first_not_of("0123456789abcdef"), std::string::npos);
     EXPECT_NE(a, b);
+}
+
+}  // namespace
+}  // namespace velm
+
+namespace velm {
+namespace {
+
+// Every connection names a line that exists, every tee leg and reference too,
+// and no line end is at a non-finite place.
+void expect_consistent(Session& s, int step) {
+    Project& p = s.project();
+    const int lines = count(p.lines);
+    for_each_item(p, [&](ItemRef r) {
+        for (const PortRef& port : item_ports(p, r)) {
+            ASSERT_GE(*port.con, 0) << step;
+            ASSERT_LE(*port.con, lines) << step << " " << kind_name(r.kind) << " " << r.index;
+        }
+    });
+    for (int L = 1; L <= lines; ++L) {
+        const Line& l = p.lines[static_cast<std::size_t>(L)];
+        ASSERT_GE(l.BEND, 0) << step;
+        ASSERT_LE(l.BEND, kLinePoints - 2) << step;
+        ASSERT_GE(l.REFLINE, 0) << step;
+        ASSERT_LE(l.REFLINE, lines) << step;
+        for (float v : l.XY) ASSERT_TRUE(std::isfinite(v)) << step;
+    }
+}
+
+// A long run of random presses, moves, releases, double clicks, keys, tools
+// and undos on an example keeps the project consistent after every event.
+TEST_F(SessionFixture, RandomGesturesKeepEveryReferenceValid) {
+    std::mt19937 rng(20261124);
+    std::uniform_real_distribution<float> x(-500.0f, 20000.0f), y(-500.0f, 6000.0f);
+    const char* types[] = {"down", "move", "move", "up", "dblclick"};
+    const int keys[] = {27, 13, 46, 'C', 'V'};
+    for (int step = 0; step < 3000; ++step) {
+        RequestInteraction io({0, 0, 0});
+        const int what = static_cast<int>(rng() % 20);
+        try {
+            if (what < 14) session.pointer(io, types[rng() % 5], {x(rng), y(rng), 1, rng() % 7 == 0, rng() % 5 == 0});
+            else if (what < 16) session.key(io, keys[rng() % 5], false, rng() % 2 == 0);
+            else if (what < 18) session.arm_tool(49 + static_cast<int>(rng() % 16));
+            else if (what == 18) session.undo();
+            else session.redo();
+        } catch (const NeedAnswer&) {
+            session.undo_pending();
+        }
+        expect_consistent(session, step);
+        if (HasFatalFailure()) return;
+    }
 }
 
 }  // namespace
