@@ -65,6 +65,12 @@ bool set_class_unit(DisplayUnits& units, std::string_view unit_class, const std:
 std::string convert_entry(RunContext& ctx, const std::string& text, std::string_view unit_class, const std::string& from,
                           const std::string& to);
 
+// The dialog of free drawing object `index` (Symbol): shape, text, font size
+// factor and pen; and its OK (the text without double quotes, a size from
+// above 0 to 100), "" or the words of the refusal with nothing changed.
+std::optional<Dialog> load_symbol_dialog(const Project& p, int index);
+std::string apply_symbol_dialog(Project& p, int index, const std::vector<std::pair<std::string, std::string>>& texts);
+
 // The forms of the user equations that the page shows beside the equation entries of a "Line", "Feed" or
 // "Prod" dialog; empty for the other kinds.
 std::vector<std::string> equation_forms(std::string_view kind);

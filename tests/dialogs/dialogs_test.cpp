@@ -380,3 +380,37 @@ TEST(DialogUnitBoxes, ConvertTheTextsOnShow) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+// A free drawing object's dialog: shape, text, size and pen, each refused with
+// its words when bad and nothing changed.
+TEST(SymbolDialog, TakesGoodEntriesAndRefusesBadOnes) {
+    Project p;
+    NewProject(p);
+    p.symbols.push_back(p.symbols[0]);
+    const Symbol before = p.symbols[1];
+    struct Row {
+        std::vector<std::pair<std::string, std::string>> texts;
+        std::string says;
+    };
+    for (const Row& r : {Row{{{"TEXT", "say \"hi\""}}, "Invalid text entry (Dbl quotes not allowed)."},
+                         Row{{{"FSIZ", "0"}}, "Error during input checking. Invalid input= 0 ."},
+                         Row{{{"TYPE", "Circle"}}, "Error during input checking. Invalid input= Circle ."}}) {
+        EXPECT_EQ(apply_symbol_dialog(p, 1, r.texts), r.says);
+        EXPECT_EQ(p.symbols[1].TEXT, before.TEXT);
+        EXPECT_EQ(p.symbols[1].FSIZ, before.FSIZ);
+    }
+    EXPECT_EQ(apply_symbol_dialog(p, 1, {{"TYPE", "Box"}, {"TEXT", "Cooling water"}, {"FSIZ", "1.5"}, {"STYLL", "Dotted"}}),
+              "");
+    EXPECT_EQ(p.symbols[1].TYPE, "Box");
+    EXPECT_EQ(p.symbols[1].TEXT, "Cooling water");
+    EXPECT_EQ(p.symbols[1].FSIZ, 1.5f);
+    EXPECT_EQ(p.symbols[1].STYLL, 1);
+    EXPECT_FALSE(load_symbol_dialog(p, 2).has_value());
+    EXPECT_EQ(apply_symbol_dialog(p, 0, {}), "No equipment to edit.");
+}
+
+}  // namespace
+}  // namespace velm

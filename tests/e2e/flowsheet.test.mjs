@@ -3,7 +3,7 @@ import { test } from "node:test";
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { join } from "node:path";
-import { answer, click, drag, idle, menu, root, sheetJson, start } from "./support.mjs";
+import { answer, at, click, drag, idle, menu, root, sheetJson, start } from "./support.mjs";
 
 const items = (sheet, kind) => sheet.items.filter((i) => i.kind === kind);
 
@@ -120,4 +120,21 @@ test("a request without the session token or from another site is refused", asyn
     method: "POST", headers: { "X-Velm-Token": server.token, Origin: "http://example.com" }, body: "{}" });
   assert.equal(cross.status, 403);
   assert.equal((await fetch(`${base}/api/sheet?token=${server.token}`)).status, 200);
+});
+
+test("a text placed from the palette is edited in its dialog and drawn with its new words", async () => {
+  const { page, server } = await start("examples/gravity_transfer.vdf");
+  await page.locator('[data-tool="Text/Line"]').click();
+  await click(page, 2000, 8000);
+  await page.keyboard.press("Escape");
+  await idle(page);
+  const symbol = (await sheetJson(server)).items.find((i) => i.kind === "Symbol");
+  const p = await at(page, symbol.box[0] + 300, symbol.box[1] + 100);
+  await page.mouse.dblclick(p.x, p.y);
+  await page.waitForSelector("#dialog[data-form=frmSymbol]");
+  await page.locator('#dialog [data-field="TEXT"]').fill("Cooling water return");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  await idle(page);
+  assert.equal(await page.locator('#sheet g[data-kind="Symbol"] text').textContent(), "Cooling water return");
 });
