@@ -71,6 +71,15 @@ std::string convert_entry(RunContext& ctx, const std::string& text, std::string_
 std::optional<Dialog> load_symbol_dialog(const Project& p, int index);
 std::string apply_symbol_dialog(Project& p, int index, const std::vector<std::pair<std::string, std::string>>& texts);
 
+// The dialog of pseudo component `index`: name, formula and the entered
+// properties (normal boiling point and standard liquid density required)
+// beside the estimates; its OK checks, writes the entered half and estimates
+// the other anew. add_pseudo appends one from the template, numbered 9000 + n.
+std::optional<Dialog> load_pseudo_dialog(const Project& p, int index);
+std::string apply_pseudo_dialog(RunContext& ctx, Project& p, int index,
+                                const std::vector<std::pair<std::string, std::string>>& texts);
+int add_pseudo(Project& p);
+
 // The forms of the user equations that the page shows beside the equation entries of a "Line", "Feed" or
 // "Prod" dialog; empty for the other kinds.
 std::vector<std::string> equation_forms(std::string_view kind);

@@ -40,7 +40,7 @@ std::optional<Dialog> load_symbol_dialog(const Project& p, int index) {
     Dialog d{"frmSymbol", "Symbol", index, {}};
     d.fields.push_back(symbol_field("TYPE", "Shape", "", s.TYPE, kShapes));
     d.fields.push_back(symbol_field("TEXT", "Text", "Text", s.TEXT));
-    d.fields.push_back(symbol_field("FSIZ", "Font size factor", "", number_text(s.FSIZ)));
+    d.fields.push_back(symbol_field("FSIZ", "Font size factor", "", single_text(s.FSIZ)));
     d.fields.push_back(symbol_field("STYLL", "Pen", "", kPens[s.STYLL ? 1 : 0], kPens));
     return d;
 }

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "correlations/sizing.hpp"
+#include "dialogs/dialogs.hpp"
 #include "drawing/edit_ops.hpp"
 #include "import/simulators.hpp"
 #include "import/stream_import.hpp"
@@ -290,6 +291,17 @@ struct MenuCommands {
         }
     }
 
+    // Process > Pseudo components: the dialog of the first (or, with "add",
+    // of a new one).
+    static void pseudo(Session& s, Interaction&, const Json& args, Json& reply) {
+        int n = count(s.project_.pseudos);
+        if (n == 0 || flag(args, "add")) {
+            n = add_pseudo(s.project_);
+            edited(s, reply);
+        }
+        if (n > 0) reply["edit"] = {{"kind", "Pseudo"}, {"index", n}};
+    }
+
     static void not_yet(Interaction& io, const std::string& what) {
         io.tell(what + " is not in this build yet: edit the project file or use the velm command line.");
     }
@@ -388,7 +400,7 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuProcessHWB", VELM_CMD((void)args; H::run(s, io, kRunBalance, true, reply))},
         {"mnuProcessRun", VELM_CMD((void)args; H::run(s, io, kRunBalance, true, reply))},
         {"mnuProcessHydrHWB", VELM_CMD((void)args; H::run(s, io, kRunBoth, false, reply))},
-        {"mnuProcessPseudo", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pseudo component dialog"))},
+        {"mnuProcessPseudo", VELM_CMD(H::pseudo(s, io, args, reply))},
         {"mnuProcessView", VELM_CMD((void)args; H::view_file(s, io, "resultm.rtf", "Result file not found. First run HMB.", reply))},
         {"mnuProcessSave", VELM_CMD(H::save_file(s, io, args, "resultm.rtf", "HMB must be run to create a result file.", reply))},
         {"mnuOptionsProp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The properties dialog"))},

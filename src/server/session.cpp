@@ -209,8 +209,9 @@ DisplayUnits Session::dialog_units(const nlohmann::json& units) const {
 nlohmann::json Session::dialog(const std::string& kind, int index, const nlohmann::json& units) {
     RecordingInteraction quiet;
     RunContext ctx(quiet);
-    const auto d = kind == "Symbol" ? load_symbol_dialog(project_, index)
-                                    : load_dialog(ctx, project_, dialog_units(units), kind, index);
+    const auto d = kind == "Symbol"   ? load_symbol_dialog(project_, index)
+                   : kind == "Pseudo" ? load_pseudo_dialog(project_, index)
+                                      : load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
     return dialog_json(*d);
 }
@@ -259,8 +260,9 @@ nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, c
                                            const nlohmann::json& units) {
     const DisplayUnits u = dialog_units(units);
     return apply_texts([&](RunContext& ctx) {
-                           return kind == "Symbol" ? apply_symbol_dialog(project_, index, typed_texts(fields))
-                                                   : apply_dialog(ctx, project_, u, kind, index, typed_texts(fields));
+                           if (kind == "Symbol") return apply_symbol_dialog(project_, index, typed_texts(fields));
+                           if (kind == "Pseudo") return apply_pseudo_dialog(ctx, project_, index, typed_texts(fields));
+                           return apply_dialog(ctx, project_, u, kind, index, typed_texts(fields));
                        },
                        [&] { return dialog(kind, index, units); });
 }

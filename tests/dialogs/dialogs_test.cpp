@@ -414,3 +414,35 @@ TEST(SymbolDialog, TakesGoodEntriesAndRefusesBadOnes) {
 
 }  // namespace
 }  // namespace velm
+
+namespace velm {
+namespace {
+
+// A pseudo component needs its boiling point and standard density; with them
+// the estimate fills the other half (decane's values give a decane-like cut).
+TEST(PseudoDialog, DemandsBoilingPointAndDensityThenEstimates) {
+    RecordingInteraction io;
+    RunContext ctx(io);
+    Project p;
+    NewProject(p);
+    ASSERT_EQ(add_pseudo(p), 1);
+    EXPECT_EQ(p.pseudos[1].NAME_NUM[1], 9001);
+    EXPECT_EQ(apply_pseudo_dialog(ctx, p, 1, {{"NAME", "CUT-1"}, {"TBP", "447.3"}}),
+              "Error! Normal boiling point or Std liq density missing for component CUT-1");
+    EXPECT_EQ(p.pseudos[1].TBP[1], 0.0f);
+    EXPECT_EQ(apply_pseudo_dialog(ctx, p, 1, {{"NAME", "CUT-1"}, {"TBP", "447.3"}, {"DENS", "-1"}}),
+              "Error during input checking. Invalid input= -1 .");
+    EXPECT_EQ(apply_pseudo_dialog(ctx, p, 1, {{"NAME", "CUT \"A\""}}), "Invalid text entry (Dbl quotes not allowed).");
+    ASSERT_EQ(apply_pseudo_dialog(ctx, p, 1, {{"NAME", "CUT-1"}, {"TBP", "447.3"}, {"DENS", "734"}}), "");
+    const Pseudo& s = p.pseudos[1];
+    EXPECT_EQ(trim(s.NAME_TEXT[1]), "CUT-1");
+    EXPECT_NEAR(s.MW[2], 142.3, 15.0);  // decane 142.3
+    EXPECT_NEAR(s.TC[2], 617.7, 25.0);  // decane 617.7 K
+    const auto d = load_pseudo_dialog(p, 1);
+    ASSERT_TRUE(d.has_value());
+    EXPECT_EQ(d->fields[2].text, "447.3");
+    EXPECT_FALSE(d->fields[4].calculated.empty());  // MW estimated
+}
+
+}  // namespace
+}  // namespace velm

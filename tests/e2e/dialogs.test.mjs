@@ -206,3 +206,21 @@ test("the pump's typical curve asks first, fills the curve, and only OK keeps it
   await page.waitForSelector("#modal", { state: "hidden" });
   assert.equal((await api(server, "/api/dialog/Pump/1")).fields.find((f) => f.name === "CURQ10").text, filled);
 });
+
+test("Process > Pseudo components asks for the boiling point and density, then estimates the rest", async () => {
+  const { page, server } = await start(null);
+  await menu(page, "mnuProcessPseudo");
+  await page.waitForSelector("#dialog[data-form=frmPseudo]");
+  await fill(page, "NAME", "CUT-1");
+  await fill(page, "TBP", "447.3");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#dialog .help.refused");
+  assert.equal(await page.locator("#dialog .help").textContent(),
+    "Error! Normal boiling point or Std liq density missing for component CUT-1");
+  await fill(page, "DENS", "734");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const d = await api(server, "/api/dialog/Pseudo/1");
+  const mw = Number(d.fields.find((f) => f.name === "MW").calculated);
+  assert.ok(mw > 120 && mw < 160, String(mw));
+});
