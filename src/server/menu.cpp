@@ -13,6 +13,7 @@
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
 #include "model/text.hpp"
+#include "server/pipe_table_json.hpp"
 #include "server/rtf_text.hpp"
 #include "server/session.hpp"
 #include "solver/network.hpp"
@@ -302,6 +303,24 @@ struct MenuCommands {
         if (n > 0) reply["edit"] = {{"kind", "Pseudo"}, {"index", n}};
     }
 
+    // Options > Pipe data: the table in the page; an edit of one bore
+    // ({"mat", "size", "schedule", "id"} in mm), or the table saved to a file.
+    static void pipe_data(Session& s, Interaction& io, const Json& args, Json& reply) {
+        const std::string file = arg(args, "file");
+        if (!file.empty()) {
+            RunContext ctx(io);
+            if (SavePipeLib(ctx, s.project_.pipedata, file)) io.tell("Pipe table saved: " + file);
+            return;
+        }
+        if (args.is_object() && args.contains("mat")) {
+            const std::string says =
+                set_pipe_id(s.project_.pipedata, arg(args, "mat"), arg(args, "size"), arg(args, "schedule"), arg(args, "id"));
+            if (!says.empty()) return io.tell(says);
+            edited(s, reply);
+        }
+        reply["pipes"] = pipe_table_json(s.project_.pipedata);
+    }
+
     static void not_yet(Interaction& io, const std::string& what) {
         io.tell(what + " is not in this build yet: edit the project file or use the velm command line.");
     }
@@ -404,7 +423,7 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuProcessView", VELM_CMD((void)args; H::view_file(s, io, "resultm.rtf", "Result file not found. First run HMB.", reply))},
         {"mnuProcessSave", VELM_CMD(H::save_file(s, io, args, "resultm.rtf", "HMB must be run to create a result file.", reply))},
         {"mnuOptionsProp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The properties dialog"))},
-        {"mnuOptionsPData", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The pipe data dialog"))},
+        {"mnuOptionsPData", VELM_CMD(H::pipe_data(s, io, args, reply))},
         {"mnuHelpHelp", VELM_CMD((void)s; (void)io; (void)args; reply["page"] = "help")},
         {"mnuHelpSupport", VELM_CMD((void)s; (void)io; (void)args;
                                     reply["mailto"] = "mailto:support@velm-hydraulics.example?subject=Hydraulics%20Problem")},

@@ -224,3 +224,26 @@ test("Process > Pseudo components asks for the boiling point and density, then e
   const mw = Number(d.fields.find((f) => f.name === "MW").calculated);
   assert.ok(mw > 120 && mw < 160, String(mw));
 });
+
+test("Options > Pipe data shows the table, refuses a bore outside the pipe, takes a good one and saves the table", async () => {
+  const { page, server, dir } = await start("examples/pump_loop.vdf");
+  await menu(page, "mnuOptionsPData");
+  await page.waitForSelector("#dialog[data-kind=pipes]");
+  await page.locator('#dialog select[name="material"]').selectOption("Steel");
+  const cell = page.locator('#dialog input[data-size="4"][data-schedule="40"]');
+  assert.equal(await cell.inputValue(), "102.26");
+  await cell.fill("200");
+  await cell.press("Tab");
+  await page.waitForFunction(() => document.querySelector("#dialog .help").textContent !== "");
+  assert.equal(await page.locator("#dialog .help").textContent(), "Error during input checking. Invalid input= 200 .");
+  await cell.fill("102.3");
+  await cell.press("Tab");
+  await page.waitForFunction(() => document.querySelector("#dialog .help").textContent === "");
+  const r = await api(server, "/api/command/mnuOptionsPData", { method: "POST", body: "{}" });
+  const steel = r.pipes.materials.find((m) => m.mat === "Steel");
+  const four = steel.sizes.find((s) => s.name === "4");
+  assert.ok(Math.abs(four.ids[steel.schedules.indexOf("40")] - 102.3) < 1e-9);
+  const saved = `${dir}/pipeid.lib`;
+  await api(server, "/api/command/mnuOptionsPData", { method: "POST", body: JSON.stringify({ args: { file: saved } }) });
+  assert.ok((await import("node:fs")).readFileSync(saved, "latin1").includes("Steel"));
+});

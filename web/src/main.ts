@@ -77,12 +77,16 @@ async function request(path: string, body: Json): Promise<Json> {
   }
 }
 
+// The folder of the open project, where the file pickers start.
+function projectDir(): string {
+  return sheet?.title?.match(/\[(.*)\/[^/]*\]$/)?.[1] ?? "";
+}
+
 async function command(name: string, args: Json = {}): Promise<void> {
   if (name.startsWith("page")) return pageCommand(name);
   const r = await request(`/api/command/${name}`, { args });
   if (r.picker) {
-    const start = sheet?.title?.match(/\[(.*)\/[^/]*\]$/)?.[1] ?? "";
-    const file = await ui.pickFile(r.picker.mode, r.picker.filter, start);
+    const file = await ui.pickFile(r.picker.mode, r.picker.filter, projectDir());
     if (file) await command(name, { ...args, file });
     return;
   }
@@ -92,11 +96,11 @@ async function command(name: string, args: Json = {}): Promise<void> {
     return;
   }
   if (r.import) {
-    const start = sheet?.title?.match(/\[(.*)\/[^/]*\]$/)?.[1] ?? "";
-    const choice = await ui.importDialog(r.import, start);
+    const choice = await ui.importDialog(r.import, projectDir());
     if (choice) await command(name, choice);
     return;
   }
+  if (r.pipes) await ui.pipeTable(r.pipes, projectDir());
   if (r.view) await ui.viewText(r.view.name, r.view.text, r.view.title);
   if (r.edit) await openDialog(r.edit.kind, r.edit.index);
   if (r.options && (await editOptions(r.options))) await refresh();

@@ -1,7 +1,7 @@
 // The page's own dialogs: messages, questions, prompts, the file picker and
 // the text viewer. Each returns a promise of the user's answer.
 
-import { get, Json, token } from "./api";
+import { get, Json, post, token } from "./api";
 
 const modal = () => document.getElementById("modal") as HTMLDivElement;
 const dialog = () => document.getElementById("dialog") as HTMLDivElement;
@@ -202,5 +202,67 @@ export function importDialog(spec: Json, start: string): Promise<Json | null> {
       buttons(d, ["OK", "Cancel"], (i) =>
         resolve(i === 0 ? { simulator: sim.value, file: file.value, inlet: checks.inlet.checked,
           outlet: checks.outlet.checked, props: checks.props.checked } : null), 1);
+    }));
+}
+
+// Options > Pipe data: each material's sizes and schedules with their bores
+// (mm), edited cell by cell; the server judges each entry.
+export function pipeTable(data: Json, start: string): Promise<void> {
+  return new Promise((resolve) =>
+    open("Pipe data", (d) => {
+      d.dataset.kind = "pipes";
+      const help = document.createElement("div");
+      help.className = "help";
+      const sel = document.createElement("select");
+      sel.name = "material";
+      for (const m of data.materials) sel.add(new Option(m.mat, m.mat));
+      const wrap = document.createElement("div");
+      wrap.className = "pipes";
+      const send = async (args: Json) => {
+        const r: Json = await post("/api/command/mnuOptionsPData", { args, answers: [] });
+        help.textContent = (r.messages ?? []).join(" ");
+        help.classList.toggle("refused", !!r.messages?.length && !args.file);
+        if (r.pipes) data = r.pipes;
+      };
+      const table = () => {
+        const m = data.materials.find((x: Json) => x.mat === sel.value);
+        const cols = m.schedules.map((s: string, j: number) => [s, j]).filter(([s]: [string]) => s !== "");
+        const t = document.createElement("table");
+        const head = t.insertRow();
+        for (const h of ["Size", "OD mm", ...cols.map(([s]: [string]) => s)]) head.insertCell().textContent = h;
+        for (const size of m.sizes) {
+          const row = t.insertRow();
+          row.insertCell().textContent = size.name;
+          row.insertCell().textContent = size.od.toFixed(2);
+          for (const [s, j] of cols) {
+            const input = document.createElement("input");
+            input.type = "text";
+            input.dataset.size = size.name;
+            input.dataset.schedule = s;
+            input.value = size.ids[j] > 0 ? String(Number(size.ids[j].toFixed(3))) : "";
+            input.addEventListener("change", () =>
+              void send({ mat: m.mat, size: size.name, schedule: s, id: input.value }));
+            row.insertCell().appendChild(input);
+          }
+        }
+        wrap.replaceChildren(t);
+      };
+      sel.addEventListener("change", table);
+      table();
+      const save = document.createElement("button");
+      save.textContent = "Save table as...";
+      save.addEventListener("click", async () => {
+        modal().hidden = true;
+        const saved = [...d.childNodes];
+        const keys = d.onkeydown;
+        const file = await pickFile("save", "Library Files (*.lib)|*.lib|Other Files (*.*)|*.*", start);
+        d.replaceChildren(...saved);
+        d.onkeydown = keys;
+        d.dataset.kind = "pipes";
+        modal().hidden = false;
+        if (file) await send({ file });
+      });
+      d.append(sel, wrap, save, help);
+      buttons(d, ["Close"], () => resolve(), 0);
     }));
 }
