@@ -233,13 +233,32 @@ function hoverCard(r: Json, at: Json): void {
   }, 600);
 }
 
+// The middle button pans the sheet.
+let pan: { x: number; y: number } | null = null;
 svg.addEventListener("mousedown", (e) => {
+  if (e.button === 1) {
+    e.preventDefault();
+    pan = { x: e.clientX, y: e.clientY };
+    return;
+  }
   if (e.button !== 0) return;
   e.preventDefault();
   hideContext();
   sendPointer("down", e);
 });
-svg.addEventListener("mousemove", (e) => sendPointer("move", e));
+svg.addEventListener("mousemove", (e) => {
+  if (pan) {
+    const wrap = $("sheetwrap");
+    wrap.scrollLeft -= e.clientX - pan.x;
+    wrap.scrollTop -= e.clientY - pan.y;
+    pan = { x: e.clientX, y: e.clientY };
+    return;
+  }
+  sendPointer("move", e);
+});
+window.addEventListener("mouseup", (e) => {
+  if (e.button === 1) pan = null;
+});
 svg.addEventListener("mouseup", (e) => e.button === 0 && sendPointer("up", e));
 svg.addEventListener("dblclick", (e) => sendPointer("dblclick", e));
 svg.addEventListener("mouseleave", () => ($("card").hidden = true));
