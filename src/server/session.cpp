@@ -8,6 +8,7 @@
 #include "dialogs/options.hpp"
 #include "drawing/edit_ops.hpp"
 #include "drawing/layout.hpp"
+#include "model/case_data.hpp"
 #include "model/file_replace.hpp"
 #include "model/pipe_table.hpp"
 #include "model/project_file.hpp"
@@ -213,7 +214,16 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
                    : kind == "Pseudo" ? load_pseudo_dialog(project_, index)
                                       : load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
-    return dialog_json(*d);
+    nlohmann::json j = dialog_json(*d);
+    // The case numbers of the project, for the case dialog of an entry ("Select to show case dialog on dbl click.").
+    std::vector<int> cases;
+    for (int ix = 1, n = case_count_or_value(project_.gen.CASENO, 0); ix <= n; ++ix)
+        cases.push_back(case_count_or_value(project_.gen.CASENO, ix));
+    std::sort(cases.begin(), cases.end());
+    cases.erase(std::unique(cases.begin(), cases.end()), cases.end());
+    j["cases"] = cases;
+    j["caseDialog"] = project_.gen.CASEDLG != 0;
+    return j;
 }
 
 nlohmann::json Session::options_dialog(const std::string& name) {

@@ -29,11 +29,16 @@ async function openDialogOf(page, item) {
 
 const field = (page, name) => page.locator(`#dialog [data-field="${name}"]`);
 
-// Types into an entry of the dialog, on whatever tab it sits.
-async function fill(page, name, text) {
+// Brings the tab of an entry to the front.
+async function reveal(page, name) {
   const tab = await page.locator(`#dialog .page:has([data-field="${name}"])`).getAttribute("data-tab");
   const button = page.locator(`#dialog .tabs button[data-tab="${tab}"]`);
   if (await button.count()) await button.click();
+}
+
+// Types into an entry of the dialog, on whatever tab it sits.
+async function fill(page, name, text) {
+  await reveal(page, name);
   await field(page, name).fill(text);
 }
 
@@ -246,4 +251,25 @@ test("Options > Pipe data shows the table, refuses a bore outside the pipe, take
   const saved = `${dir}/pipeid.lib`;
   await api(server, "/api/command/mnuOptionsPData", { method: "POST", body: JSON.stringify({ args: { file: saved } }) });
   assert.ok((await import("node:fs")).readFileSync(saved, "latin1").includes("Steel"));
+});
+
+test("with the case dialog chosen, a double click on an entry edits it one case at a time", async () => {
+  const { page, server } = await start("examples/pump_loop.vdf");
+  const set = await api(server, "/api/options/mnuOptionsCases",
+    { method: "PUT", body: JSON.stringify({ fields: { CASEDLG: "Yes" } }) });
+  assert.ok(set.fields, JSON.stringify(set));
+  const valve = (await sheetJson(server)).items.find((i) => i.kind === "Valve");
+  await openDialogOf(page, valve);
+  const open = field(page, "OPEN");
+  assert.match(await open.inputValue(), /^55(\.0)?;80(\.0)?$/);
+  await reveal(page, "OPEN");
+  await open.dblclick();
+  await page.waitForSelector('#dialog .help input[data-case="2"]');
+  await page.locator('#dialog .help input[data-case="2"]').fill("70");
+  await page.locator('#dialog .help button[data-answer="Apply"]').click();
+  assert.match(await open.inputValue(), /^55(\.0)?;70$/);
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const d = await api(server, "/api/dialog/Valve/1");
+  assert.match(d.fields.find((f) => f.name === "OPEN").text, /^55(\.0)?;70(\.0)?$/);
 });

@@ -48,7 +48,46 @@ function unitBoxes(d: Json, inputs: Map<string, HTMLInputElement | HTMLSelectEle
   return bar;
 }
 
-function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputElement | HTMLSelectElement>): HTMLElement {
+// The entries of a case string one case at a time, in the help line; Apply
+// writes them back as one string (entry n for case number n).
+function caseEditor(input: HTMLInputElement, cases: number[], help: HTMLElement): void {
+  const entries = input.value.split(";");
+  const boxes = new Map<number, HTMLInputElement>();
+  help.replaceChildren();
+  help.dataset.cases = "true";
+  for (const n of cases) {
+    const label = document.createElement("label");
+    label.textContent = ` Case ${n} `;
+    const box = document.createElement("input");
+    box.type = "text";
+    box.size = 8;
+    box.dataset.case = String(n);
+    box.value = entries.length === 1 ? entries[0] : entries[n - 1] ?? "";
+    boxes.set(n, box);
+    label.appendChild(box);
+    help.appendChild(label);
+  }
+  const apply = document.createElement("button");
+  apply.textContent = "Apply";
+  apply.dataset.answer = "Apply";
+  apply.addEventListener("click", () => {
+    const last = Math.max(...cases);
+    const out: string[] = [];
+    for (let n = 1; n <= last; n++) out.push(boxes.get(n)?.value.trim() ?? "");
+    input.value = out.join(";");
+    help.replaceChildren();
+    delete help.dataset.cases;
+  });
+  help.appendChild(apply);
+}
+
+interface CaseInfo {
+  cases: number[];
+  caseDialog: boolean;
+}
+
+function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputElement | HTMLSelectElement>,
+                  cases: CaseInfo = { cases: [], caseDialog: false }): HTMLElement {
   const row = document.createElement("label");
   row.className = "field";
   const name = document.createElement("span");
@@ -68,8 +107,12 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   }
   input.name = f.name;
   input.dataset.field = f.name;
-  input.addEventListener("focus", () => (help.textContent = f.hint ?? ""));
-  input.addEventListener("blur", () => (help.textContent = ""));
+  input.addEventListener("focus", () => {
+    if (!help.dataset.cases) help.textContent = f.hint ?? "";
+  });
+  input.addEventListener("blur", () => {
+    if (!help.dataset.cases) help.textContent = "";
+  });
   inputs.set(f.name, input);
   const unit = document.createElement("span");
   unit.className = "unit";
@@ -79,9 +122,12 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   calc.textContent = readable(f.calculated ?? "");
   calc.title = "Value in force (calculated or specified)";
   if (f.pair && f.calculated !== undefined) {
-    // A double click on the entry copies the value in force into it.
+    // A double click on the entry opens its case dialog where the project asks
+    // for one, and otherwise copies the value in force into it.
     input.addEventListener("dblclick", () => {
-      if (input instanceof HTMLInputElement) input.value = f.calculated;
+      if (!(input instanceof HTMLInputElement)) return;
+      if (cases.caseDialog && cases.cases.length > 1) caseEditor(input, cases.cases, help);
+      else input.value = f.calculated;
     });
   }
   row.append(name, input, unit, calc);
@@ -172,7 +218,8 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     };
     const unitLabels = new Map<string, HTMLElement[]>();
     for (const f of d.fields) {
-      const row = pageOf(f.tab || "General").appendChild(fieldRow(f, help, inputs));
+      const row = pageOf(f.tab || "General").appendChild(
+        fieldRow(f, help, inputs, { cases: d.cases ?? [], caseDialog: !!d.caseDialog }));
       if (f.unit_class) unitLabels.set(f.unit_class, [...(unitLabels.get(f.unit_class) ?? []), row.querySelector(".unit") as HTMLElement]);
     }
     const chosen: Record<string, string> = {};
