@@ -5,6 +5,7 @@
 
 #include "dialogs/check_input.hpp"
 #include "dialogs/options_table.hpp"
+#include "model/text.hpp"
 #include "thermo/components.hpp"
 #include "thermo/flash.hpp"
 
@@ -47,7 +48,9 @@ void show_names(RunContext& ctx, const Project& p, std::vector<DialogField>& fie
         if (!names[k].empty()) choices.push_back(names[k]);
     for (std::size_t k = 1; k < l.pseudo.size(); ++k) choices.push_back(l.pseudo[k].Name);
     for (DialogField& d : fields) {
-        const int n = std::stoi(d.text);
+        // The text on show is the stored component number; anything else shows as no component.
+        const auto number = parse_number(d.text);
+        const int n = number && *number >= 0.0 && *number < 1.0e6 ? static_cast<int>(*number) : 0;
         const auto k = static_cast<std::size_t>(n);
         if (n == 0)
             d.text.clear();

@@ -243,12 +243,12 @@ void RotateSelected(Project& p, int degrees) {
     });
 }
 
-void FlipSelected(Project& p, int axis) {
+void FlipSelected(Project& p, int axis, int to) {
     const auto i = static_cast<std::size_t>(axis == 2 ? 2 : 1);
     for_each_item(p, [&](ItemRef r) {
         Drawn* d = drawn(p, r);
         if (!d || r.kind == ItemKind::Line || !d->Selected) return;
-        d->FLIP[i] = d->FLIP[i] < 0 ? 1 : -1;
+        d->FLIP[i] = to != 0 ? (to < 0 ? -1 : 1) : (d->FLIP[i] < 0 ? 1 : -1);
         const auto [x0, y0] = item_anchor(p, r);
         place_ports(p, r, x0, y0);
         attach_line_ends(p, r);

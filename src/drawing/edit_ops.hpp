@@ -42,9 +42,10 @@ void CopySelected(Project& p, Interaction& io);
 void PasteItems(Project& p, Interaction& io);
 
 // Turns (degrees, a multiple of 90) or mirrors (axis 1 in x, 2 in y) every
-// selected item about its anchor; the lines on it follow its ports.
+// selected item about its anchor; the lines on it follow its ports. With `to`
+// +1 or -1 the flip sign is set to it instead of turned over.
 void RotateSelected(Project& p, int degrees);
-void FlipSelected(Project& p, int axis);
+void FlipSelected(Project& p, int axis, int to = 0);
 
 // Sets the selected flag of every item (mark = false) or its paste mark (mark
 // = true) to flag; with a name, only of the items that bear it. Returns the

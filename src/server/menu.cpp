@@ -75,7 +75,8 @@ struct MenuCommands {
         reply["changed"] = true;
     }
 
-    static void exit(Session& s, Interaction& io, const Json&, Json& reply) {
+    // Ends the page's session (the server stops); never the process by itself.
+    static void quit(Session& s, Interaction& io, const Json&, Json& reply) {
         if (s.running_) {
             io.tell("Simulation still running !");
             if (io.ask("Exit program immediately without saving ?", {"Yes", "No"}) != 0) return;
@@ -158,32 +159,6 @@ struct MenuCommands {
             if (d && d->Selected) d->LBL1 = flag;
         });
         edited(s, reply);
-    }
-
-    static void flip_to(Session& s, std::size_t axis, int sign, Json& reply) {
-        for_each_item(s.project_, [&](ItemRef r) {
-            Drawn* d = drawn(s.project_, r);
-            if (d && r.kind != ItemKind::Line && d->Selected && (d->FLIP[axis] < 0) != (sign < 0)) {
-                // FlipSelected turns every selected item; only those not yet so are turned.
-                d->FLIP[axis] = -d->FLIP[axis] == 0 ? -1 : d->FLIP[axis];
-            }
-        });
-        FlipSelectedTo(s, static_cast<int>(axis), sign);
-        edited(s, reply);
-    }
-
-    static void FlipSelectedTo(Session& s, int axis, int sign) {
-        const auto i = static_cast<std::size_t>(axis);
-        std::vector<ItemRef> keep;
-        for_each_item(s.project_, [&](ItemRef r) {
-            Drawn* d = drawn(s.project_, r);
-            if (d && d->Selected && ((d->FLIP[i] < 0 ? -1 : 1) == sign)) {
-                d->Selected = 0;
-                keep.push_back(r);
-            }
-        });
-        FlipSelected(s.project_, axis);
-        for (ItemRef r : keep) drawn(s.project_, r)->Selected = -1;
     }
 
     static void label_mode(Session& s, const char* mode, Json& reply) {
@@ -345,7 +320,7 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuFileSaveBMP", VELM_CMD(H::page_only(s, io, args, reply))},
         {"mnuFileSaveClient", VELM_CMD(H::page_only(s, io, args, reply))},
         {"mnuFileSaveClip", VELM_CMD(H::clipboard(s, io, args, reply))},
-        {"mnuFileExit", VELM_CMD(H::exit(s, io, args, reply))},
+        {"mnuFileExit", VELM_CMD(H::quit(s, io, args, reply))},
         {"mnuEditAddFeed", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 50))},
         {"mnuEditAddProd", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 51))},
         {"mnuEditAddPipe", VELM_CMD((void)io; (void)args; (void)reply; H::arm(s, 49))},
@@ -390,10 +365,10 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuPopFlipX", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 1); H::edited(s, reply))},
         {"mnuEditFlipY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2); H::edited(s, reply))},
         {"mnuPopFlipY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2); H::edited(s, reply))},
-        {"mnuEditFlipXY", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 1, 1); H::edited(s, reply))},
-        {"mnuEditFlipXN", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 1, -1); H::edited(s, reply))},
-        {"mnuEditFlipYY", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 2, 1); H::edited(s, reply))},
-        {"mnuEditFlipYN", VELM_CMD((void)io; (void)args; H::FlipSelectedTo(s, 2, -1); H::edited(s, reply))},
+        {"mnuEditFlipXY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 1, 1); H::edited(s, reply))},
+        {"mnuEditFlipXN", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 1, -1); H::edited(s, reply))},
+        {"mnuEditFlipYY", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2, 1); H::edited(s, reply))},
+        {"mnuEditFlipYN", VELM_CMD((void)io; (void)args; FlipSelected(s.project_, 2, -1); H::edited(s, reply))},
         {"mnuEditLabelY", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
         {"mnuEditLabelN", VELM_CMD((void)io; (void)args; H::label(s, 0, reply))},
         {"mnuPopLabel", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
