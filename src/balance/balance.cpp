@@ -120,24 +120,24 @@ std::string check_vessel_nozzles(Project& p) {
     return "";
 }
 
-// The flash of one end of a line (position 1 its start, 2 its end), its
-// results written back to that end.
-bool flash_line_end(RunContext& ctx, Project& p, const BalanceState& state, int L, int pos) {
+}  // namespace
+
+bool FlashLineEnd(RunContext& ctx, Project& p, const FlashSetup& setup, int L, int pos, int trace) {
     Line& l = line_at(p, L);
     const auto e = static_cast<std::size_t>(pos);
     FlashStream s;
     s.NAME = stream_name(l.NAME[1], pos == 1 ? "_In" : "_Out");
     s.T = l.TEMP[e] + kKelvin;
-    s.P = state.setup.PATM + l.PRES[e];
+    s.P = setup.PATM + l.PRES[e];
     s.LF = l.LF[e];
     s.H = l.H[e];
     s.S = l.S[e];
     s.FT = l.FT[e];
     s.Z = l.COMP0;
-    s.Trace = 1;
-    if (!Flash(ctx, state.setup, s)) return false;
+    s.Trace = trace;
+    if (!Flash(ctx, setup, s)) return false;
     l.TEMP[e] = s.T - kKelvin;
-    l.PRES[e] = s.P - state.setup.PATM;
+    l.PRES[e] = s.P - setup.PATM;
     l.LF[e] = s.LF;
     l.H[e] = s.H;
     l.S[e] = s.S;
@@ -158,6 +158,8 @@ bool flash_line_end(RunContext& ctx, Project& p, const BalanceState& state, int 
     (pos == 1 ? l.COMPIX0 : l.COMPOX0) = s.X;
     return true;
 }
+
+namespace {
 
 // A vessel outlet takes a phase of the vessel's flash: its state (the phase's
 // enthalpy when the phase is there, else the flash temperature) and its
@@ -362,11 +364,11 @@ int HMB_Flash(RunContext& ctx, Project& p, BalanceState& state, double& err, int
 }
 
 bool HMB_FlashLine1(RunContext& ctx, Project& p, const BalanceState& state, int L) {
-    return flash_line_end(ctx, p, state, L, 1);
+    return FlashLineEnd(ctx, p, state.setup, L, 1, 1);
 }
 
 bool HMB_FlashLine2(RunContext& ctx, Project& p, const BalanceState& state, int L) {
-    return flash_line_end(ctx, p, state, L, 2);
+    return FlashLineEnd(ctx, p, state.setup, L, 2, 1);
 }
 
 }  // namespace velm

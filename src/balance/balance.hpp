@@ -56,6 +56,13 @@ bool MolHeatBalance(RunContext& ctx, Project& p, BalanceState& state, double& er
 // by the flash and leaves its line as it was; returns 0.
 int HMB_Flash(RunContext& ctx, Project& p, BalanceState& state, double& err, int what);
 
+// The flash of one end of line L (pos 1 its start, 2 its end) at that end's
+// flash type, traced as `trace` asks (kFlashTraceLog: the trace lines and the
+// results block in the run log); on success the state, the phase properties
+// and the phase compositions are written back to that end, on failure the
+// line keeps everything.
+bool FlashLineEnd(RunContext& ctx, Project& p, const FlashSetup& setup, int L, int pos, int trace);
+
 // The flash of a line's start (HMB_FlashLine1) or end (HMB_FlashLine2) at its
 // flash type, its results written back to that end of the line.
 bool HMB_FlashLine1(RunContext& ctx, Project& p, const BalanceState& state, int L);

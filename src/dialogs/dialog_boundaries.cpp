@@ -33,7 +33,7 @@ std::vector<FieldDef<R>> boundary_fields(bool feed) {
         f.pair("PIN", "Pressure at pipe outlet", "Pres", "pressure", A(PIN), "Pipe outlet pres. Specify or leave empty.",
                "E")
             .pair("DP", "Exit loss", "dP", "pressure", A(DP), "Exit pres drop, excluding elevation/level.", "E");
-    f.tab("Tank")
+    f.result_flag("CHOKE", "Choked", A(CHOKE)).tab("Tank")
         .number("ELEV", "Elevation", "Elev", "length", A(ELEV), "Elevation of Pipe/Tank bottom above grade.")
         .cases("LEVEL1", "Liquid level", "Length", "length", A(LEVEL1),
                "Height of fluid level above tank bottom (enter 0 for Pipe).")

@@ -137,6 +137,9 @@ const KindDef<FO>& fo_dialog() {
                                             "Specify or leave empty. ID of each hole.")
                                       .pair("BETA", "Beta ratio", "Ratio", "", A(BETA),
                                             "Nothing, value or C for current. Beta=(A_holes/A_pipe)^0.5.", "C")
+                                      .result("C", "Discharge coefficient", "", A(C))
+                                      .result("YIN", "Expansion factor", "", A(YIN))
+                                      .result_flag("CHOKE", "Choked", A(CHOKE))
                                       .notes(A(NOTES));
                                   return f.done();
                               }(),
@@ -189,7 +192,10 @@ const KindDef<Expand>& expand_dialog() {
                                   elevation_field(f, "Required input. Default=0.");
                                   pressure_fields(f);
                                   f.number("ANGLE", "Cone angle", "Angle", "=degrees", A(ANGLE),
-                                           "Angle (0-180 degrees). Used only for Reducer.");
+                                           "Angle (0-180 degrees). Used only for Reducer.")
+                                      .result("K", "K", "", A(K))
+                                      .result("DPP", "Pressure recovery", "=kPa", A(DPP))
+                                      .result_flag("CHOKE", "Choked", A(CHOKE));
                                   return f.done();
                               }()};
     return k;

@@ -64,6 +64,7 @@ std::vector<FieldDef<R>> line_fields() {
         .flag("LOCK", "Locked against import", A(LOCK), "Lock stream name to prevent import from file.")
         .tab("Fittings");
     fitting_rows(f, std::make_index_sequence<kFittings>{});
+    f.result("FITK", "Total K", "", A(FITK), "0.0#").result("FITLD", "Total L/D", "", A(FITLD), "0.0#");
     f.tab("Fluid").integer("REFLINE", "Fluid of line number", A(REFLINE)).flag("OUTIN", "Outlet apart from inlet", A(OUTIN));
     ends<&R::TEMP>(f, "TEMP", "Temperature", "Temp", "temperature");
     ends<&R::LF>(f, "LF", "Liquid fraction", "Ratio", "");
@@ -91,6 +92,16 @@ std::vector<FieldDef<R>> line_fields() {
         .number("SIZ2", "Gradient limit", "Flow", "gradient", A(SIZ[2]))
         .number("SIZ4", "Maximum velocity", "Flow", "velocity", A(SIZ[4]))
         .number("SIZ5", "Minimum velocity", "Flow", "velocity", A(SIZ[5]));
+    f.tab("Results")
+        .result("VEL1", "Inlet velocity", "velocity", A(VEL[1]))
+        .result("VEL2", "Outlet velocity", "velocity", A(VEL[2]))
+        .result("VEL4", "Sonic velocity", "velocity", A(VEL[4]))
+        .result("DPL", "Pressure gradient", "gradient", A(DPL))
+        .result("RE", "Reynolds number", "", A(RE))
+        .result("F1", "Friction factor, fully turbulent", "", A(F[1]))
+        .result("HUP", "Liquid hold-up", "", A(HUP))
+        .result_text("REG1", "Flow regime, horizontal", A(REG[1]))
+        .result_text("REG2", "Flow regime, vertical", A(REG[2]));
     equation_fields(f);
     f.notes(A(NOTES));
     return f.done();
@@ -117,22 +128,6 @@ void pipe_choices(const Project& p, const R& line, std::vector<DialogField>& fie
     }
 }
 
-// The fluid of a line comes from another line, or it must be given: a
-// liquid fraction always, and a composition when the project lists
-// components for its flashes.
-bool fluid_given(const Project& p, const R& line, const Texts& typed) {
-    if (line.REFLINE != 0) return true;
-    if (trim_view(typed.of("LF1")).empty()) return false;
-    const std::string flash = key_of(p.gen.MFLASH);
-    if (flash.empty() || flash == "NONE") return true;
-    bool components = false;
-    for (int i = 1; i <= kMaxComps; ++i) components = components || p.gen.COMP[static_cast<std::size_t>(i)] != 0;
-    if (!components) return true;
-    double total = 0.0;
-    for (int i = 1; i <= kMaxComps; ++i) total += line.COMP0[static_cast<std::size_t>(i)];
-    return total > 0.0;
-}
-
 std::string line_rules(RunContext& ctx, const Project& p, const R& line, const Texts& typed) {
     const int m = find_pipe_material(p.pipedata, line.MAT);
     if (m == 0) return "Invalid pipe material.";
@@ -143,7 +138,7 @@ std::string line_rules(RunContext& ctx, const Project& p, const R& line, const T
         pipe_ID_from_dia(ctx, p.pipedata, "ID", line.MAT, line.DIA[1], line.SCH, "m") <= 0.0)
         return "Invalid diameter/schedule combination.";
     // The template holds no composition of its own: a new line is given its fluid on the sheet.
-    if (!typed.of_template() && !fluid_given(p, line, typed))
+    if (!typed.of_template() && !line_fluid_given(p, line, typed))
         return "Composition and Liquid Fraction is required for every line.";
     return "";
 }

@@ -138,7 +138,10 @@ const KindDef<Pump>& pump_dialog() {
                 .pair("EFFP", "Pump efficiency", "Ratio", "", A(EFFP),
                       "Pump efficiency (0-1). Empty, value or C to use curve.", "C")
                 .pair("EFFS", "Shaft efficiency", "Ratio", "", A(EFFS),
-                      "Pump shaft efficiency (0-1). Leave empty for default.");
+                      "Pump shaft efficiency (0-1). Leave empty for default.")
+                .result("POW", "Power", "=kW", A(POW))
+                .result("HQACT1", "Head", "head", A(HQACT[1]))
+                .result("HQACT3", "Inlet volume flow", "liquid_volume_flow", A(HQACT[3]));
             curve_fields(f, "liquid_volume_flow");
             column<R, &Pump::CURNPSH>(f, "CURNPSH", "NPSHR", "Flow", "head");
             f.flag("CURC1", "Generate curve", A(CURC1), "Select to generate curve when Case 1 is run.")
@@ -180,7 +183,9 @@ const KindDef<Comp>& comp_dialog() {
                 .pair("EFFC", "Adiabatic efficiency", "Ratio", "", A(EFFC),
                       "Adiabatic efficiency (0-1). Empty, value or C to use curve.", "C")
                 .pair("EFFS", "Shaft efficiency", "Ratio", "", A(EFFS),
-                      "Compressor shaft efficiency (0-1). Leave empty for default.");
+                      "Compressor shaft efficiency (0-1). Leave empty for default.")
+                .result("POW", "Power", "=kW", A(POW))
+                .result("HQACT1", "Head", "head", A(HQACT[1]));
             curve_fields(f, "gas_volume_flow");
             f.notes(A(NOTES));
             return f.done();

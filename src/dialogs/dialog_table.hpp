@@ -51,6 +51,9 @@ struct FieldDef {
     int width = 0;                     // characters of a Fixed text
     std::string letters;               // case letters the entry takes ("C", "E", "EV")
     std::vector<std::string> choices;  // fixed lists
+    int first = 1;                     // value of the first choice of an IntChoice
+    bool readonly = false;             // a value the run or a flash calculates, shown and never written
+    std::string format;                // display pattern of a read-only number ("0.0#"), "" for all digits
 };
 
 // The typed texts of an OK, as the rules of a kind read them.
@@ -140,10 +143,31 @@ public:
         return *this;
     }
     Fields& int_choice(const char* name, const char* label, int* (*a)(R&), std::vector<std::string> choices,
-                       const char* hint = "") {
+                       const char* hint = "", int first = 1) {
         FieldDef<R>& f = add(name, label, "", "", hint, Store::IntChoice);
         f.integer = a;
         f.choices = std::move(choices);
+        f.first = first;
+        return *this;
+    }
+    // A calculated value, shown in its unit (by the pattern when one is given) and never written.
+    Fields& result(const char* name, const char* label, const char* unit, double* (*a)(R&),
+                   const char* format = "") {
+        FieldDef<R>& f = add(name, label, "", unit, "", Store::Number);
+        f.number = a;
+        f.readonly = true;
+        f.format = format;
+        return *this;
+    }
+    // A calculated flag ("Yes" when set) or text, never written.
+    Fields& result_flag(const char* name, const char* label, int* (*a)(R&)) {
+        flag(name, label, a);
+        fields_.back().readonly = true;
+        return *this;
+    }
+    Fields& result_text(const char* name, const char* label, std::string* (*a)(R&)) {
+        text(name, label, a);
+        fields_.back().readonly = true;
         return *this;
     }
     // The name and description that head every dialog.
@@ -182,6 +206,8 @@ struct EntryUnit {
 
 // The unit of a field's unit spec ("pressure", "=rpm" or "") in the display units.
 EntryUnit unit_of(const std::string& spec, const DisplayUnits& units);
+// A value in the unit shown.
+double shown_value(RunContext& ctx, double v, const EntryUnit& u);
 // A value shown with all its digits, so that a text taken back reads the same number.
 std::string shown_number(RunContext& ctx, double v, const EntryUnit& u);
 double internal_number(RunContext& ctx, const std::string& text, const EntryUnit& u);
@@ -220,6 +246,7 @@ DialogField show(RunContext& ctx, const FieldDef<R>& f, const R& rec, const Disp
     d.tab = f.tab;
     d.width = f.width;
     d.choices = f.choices;
+    d.readonly = f.readonly;
     switch (f.store) {
         case Store::Pair:
             d.pair = true;
@@ -230,14 +257,17 @@ DialogField show(RunContext& ctx, const FieldDef<R>& f, const R& rec, const Disp
         case Store::Text: d.text = *f.text(r); break;
         case Store::Fixed: d.text = trim_right(*f.text(r)); break;
         case Store::Notes: d.text = *f.text(r); break;
-        case Store::Number: d.text = shown_number(ctx, *f.number(r), u); break;
+        case Store::Number:
+            d.text = f.format.empty() ? shown_number(ctx, *f.number(r), u)
+                                      : format_number(shown_value(ctx, *f.number(r), u), f.format);
+            break;
         case Store::Single: d.text = shown_number(ctx, static_cast<double>(*f.single(r)), u); break;
         case Store::Integer: d.text = std::to_string(*f.integer(r)); break;
         case Store::Flag: d.text = *f.integer(r) != 0 ? "Yes" : "No"; break;
         case Store::IntChoice: {
-            const int v = *f.integer(r);
-            d.text = v >= 1 && v <= static_cast<int>(f.choices.size()) ? f.choices[static_cast<std::size_t>(v - 1)]
-                                                                        : std::to_string(v);
+            const int v = *f.integer(r) - f.first;
+            d.text = v >= 0 && v < static_cast<int>(f.choices.size()) ? f.choices[static_cast<std::size_t>(v)]
+                                                                       : std::to_string(*f.integer(r));
             break;
         }
     }
@@ -261,7 +291,7 @@ void write(RunContext& ctx, const FieldDef<R>& f, R& r, const std::string& text,
         case Store::IntChoice: {
             for (std::size_t i = 0; i < f.choices.size(); ++i)
                 if (key_of(text) == key_of(f.choices[i])) {
-                    *f.integer(r) = static_cast<int>(i) + 1;
+                    *f.integer(r) = static_cast<int>(i) + f.first;
                     return;
                 }
             *f.integer(r) = static_cast<int>(std::lround(read_display_number(trim(text))));
@@ -281,7 +311,7 @@ void typed_texts(RunContext& ctx, const std::vector<FieldDef<R>>& fields, const 
         const std::string on_show = show(ctx, f, rec, units).text;
         std::string text = on_show;
         for (const auto& [name, t] : given)
-            if (name == f.name) text = t;
+            if (name == f.name && !f.readonly) text = t;
         changed.push_back(text != on_show);
         typed.texts[f.name] = text;
     }
@@ -292,6 +322,7 @@ template <class R>
 std::string check_entries(const std::vector<FieldDef<R>>& fields, const TextMap& typed, const DisplayUnits& units,
                           double patm) {
     for (const FieldDef<R>& f : fields) {
+        if (f.readonly) continue;
         const bool is_case = f.store == Store::Pair || f.store == Store::Case;
         std::string says = check_entry(f.check, unit_of(f.unit, units).shown, typed.of(f.name), is_case, f.letters, patm);
         if (!says.empty()) return says;
@@ -348,6 +379,12 @@ const KindDef<Comp>& comp_dialog();
 const KindDef<Tee>& tee_dialog();
 const KindDef<Junc>& junc_dialog();
 const KindDef<Vessel>& vessel_dialog();
+const KindDef<Line>& phase_dialog();
+
+// The fluid of a line comes from another line, or it must be given: a liquid
+// fraction always, and a composition when the project lists components for
+// its flashes.
+bool line_fluid_given(const Project& p, const Line& line, const Texts& typed);
 
 }  // namespace dialog
 }  // namespace velm

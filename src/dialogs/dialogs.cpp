@@ -58,11 +58,13 @@ EntryUnit unit_of(const std::string& spec, const DisplayUnits& units) {
     return {};
 }
 
-std::string shown_number(RunContext& ctx, double v, const EntryUnit& u) {
-    if (u.shown == u.internal) return number_text(v);
-    if (u.temperature()) return number_text(UnitsTFunc(ctx, v, u.internal, u.shown));
-    return number_text(convert_value(ctx, v, u.internal, u.shown));
+double shown_value(RunContext& ctx, double v, const EntryUnit& u) {
+    if (u.shown == u.internal) return v;
+    if (u.temperature()) return UnitsTFunc(ctx, v, u.internal, u.shown);
+    return convert_value(ctx, v, u.internal, u.shown);
 }
+
+std::string shown_number(RunContext& ctx, double v, const EntryUnit& u) { return number_text(shown_value(ctx, v, u)); }
 
 double internal_number(RunContext& ctx, const std::string& text, const EntryUnit& u) {
     const double v = read_display_number(trim(text));
@@ -163,6 +165,7 @@ bool with_kind(std::string_view kind, F&& f) {
     if (kind == "Tee") return f(tee_dialog()), true;
     if (kind == "Junc") return f(junc_dialog()), true;
     if (kind == "Vessel") return f(vessel_dialog()), true;
+    if (kind == "Phase") return f(phase_dialog()), true;
     return false;
 }
 

@@ -31,6 +31,7 @@ struct DialogField {
     std::string calculated;  // value in force (position 2) on show, for pairs
     int width = 0;           // most characters the entry holds (fixed-width texts), 0 for any
     std::vector<std::string> choices;  // for fixed lists (valve TYPE2, pipe schedule...), empty otherwise
+    bool readonly = false;   // a calculated value: shown, not typed, never written by OK
 };
 
 struct Dialog {
@@ -64,6 +65,19 @@ bool set_class_unit(DisplayUnits& units, std::string_view unit_class, const std:
 // from one unit of the quantity to another, as a unit box converts the text on show.
 std::string convert_entry(RunContext& ctx, const std::string& text, std::string_view unit_class, const std::string& from,
                           const std::string& to);
+
+// The fluid dialog of line `index` (kind "Phase", frmPhase): its fluid's
+// source, each end's flash type, state and phase properties, and the
+// composition by the names of the project's components. Its OK is
+// apply_dialog of kind "Phase".
+std::optional<Dialog> load_phase_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, int index);
+// The dialog's Flash: the typed texts applied as OK applies them, then the
+// inlet (and the outlet, when held apart) flashed at its flash type with the
+// project's engine, traced to the run log, the results written to that end.
+// `p` is the caller's copy for the dialog to show; "" on success, else the
+// words of the refusal or of the failed flash.
+std::string flash_phase_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, int index,
+                               const std::vector<std::pair<std::string, std::string>>& texts);
 
 // The dialog of free drawing object `index` (Symbol): shape, text, font size
 // factor and pen; and its OK (the text without double quotes, a size from

@@ -112,6 +112,16 @@ struct MenuCommands {
         reply["edit"] = {{"kind", kind_name(first.kind)}, {"index", first.index}};
     }
 
+    // The fluid dialog of the first selected line.
+    static void edit_fluid(Session& s, Interaction& io, const Json&, Json& reply) {
+        for (std::size_t i = 1; i < s.project_.lines.size(); ++i)
+            if (s.project_.lines[i].Selected) {
+                reply["edit"] = {{"kind", "Phase"}, {"index", static_cast<int>(i)}};
+                return;
+            }
+        io.tell("Select a line to edit its fluid.");
+    }
+
     static void pipe_dia(Session& s, Interaction& io, bool set, Json& reply) {
         const char* question = set ? "Set all pipe diameters to current calculated sizes ?"
                                    : "Clear all pipe diameters to size them in the next run ?";
@@ -340,8 +350,8 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuPopBendAdd", VELM_CMD(H::add_bend(s, io, args, reply))},
         {"mnuEditEquip", VELM_CMD(H::edit_equip(s, io, args, reply))},
         {"mnuPopEdit", VELM_CMD(H::edit_equip(s, io, args, reply))},
-        {"mnuEditFluid", VELM_CMD(H::edit_equip(s, io, args, reply); reply["fluid"] = true)},
-        {"mnuPopFluid", VELM_CMD(H::edit_equip(s, io, args, reply); reply["fluid"] = true)},
+        {"mnuEditFluid", VELM_CMD(H::edit_fluid(s, io, args, reply))},
+        {"mnuPopFluid", VELM_CMD(H::edit_fluid(s, io, args, reply))},
         {"mnuEditPipeCopy", VELM_CMD(H::pipe_copy(s, io, args, reply))},
         {"mnuEditPipeDiaClear", VELM_CMD((void)args; H::pipe_dia(s, io, false, reply))},
         {"mnuEditPipeDiaSet", VELM_CMD((void)args; H::pipe_dia(s, io, true, reply))},

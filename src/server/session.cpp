@@ -184,7 +184,7 @@ nlohmann::json dialog_json(const Dialog& d) {
     for (const DialogField& f : d.fields)
         fields.push_back({{"name", f.name}, {"label", f.label}, {"check", f.check}, {"unit_class", f.unit_class},
                           {"unit", f.unit}, {"hint", f.hint}, {"tab", f.tab}, {"pair", f.pair}, {"text", f.text},
-                          {"calculated", f.calculated}, {"choices", f.choices}});
+                          {"calculated", f.calculated}, {"choices", f.choices}, {"readonly", f.readonly}});
     return {{"form", d.form}, {"kind", d.kind}, {"index", d.index}, {"fields", std::move(fields)},
             {"units", std::move(boxes)}, {"forms", equation_forms(d.kind)}};
 }
@@ -212,6 +212,7 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
     RunContext ctx(quiet);
     const auto d = kind == "Symbol"   ? load_symbol_dialog(project_, index)
                    : kind == "Pseudo" ? load_pseudo_dialog(project_, index)
+                   : kind == "Phase"  ? load_phase_dialog(ctx, project_, dialog_units(units), index)
                                       : load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
     nlohmann::json j = dialog_json(*d);
@@ -296,6 +297,23 @@ nlohmann::json Session::typical_curve(Interaction& io, const std::string& kind, 
     RunContext ctx(quiet);
     const auto d = load_dialog(ctx, scratch, units_, kind, index);
     return d ? dialog_json(*d) : nlohmann::json{{"message", "No equipment to edit."}};
+}
+
+nlohmann::json Session::phase_flash(int index, const nlohmann::json& fields, const nlohmann::json& units) {
+    if (running_) return {{"message", "Simulation still running !"}};
+    RecordingInteraction quiet;
+    RunContext ctx(quiet);
+    ctx.run_active = true;  // the flash's trace goes to the log the dialog shows
+    ctx.data_dir = data_dir_;
+    const DisplayUnits u = dialog_units(units);
+    Project scratch = project_;
+    const std::string message = flash_phase_dialog(ctx, scratch, u, index, typed_texts(fields));
+    nlohmann::json j = nlohmann::json::object();
+    if (message.empty())
+        if (const auto d = load_phase_dialog(ctx, scratch, u, index)) j = dialog_json(*d);
+    if (!j.contains("fields")) j["message"] = message.empty() ? "No equipment to edit." : message;
+    j["log"] = ctx.run_log_text;
+    return j;
 }
 
 nlohmann::json Session::plot(const std::string& kind, int index) {

@@ -88,6 +88,11 @@ public:
     // nothing changes until the dialog's OK. {"message"} for another item.
     nlohmann::json typical_curve(Interaction& io, const std::string& kind, int index);
 
+    // The Flash of a line's fluid dialog: the typed texts flashed on a copy,
+    // {"fields", ..., "log"} as the dialog would then show them (OK keeps
+    // them), or {"message", "log"} with the words of the refusal or failure.
+    nlohmann::json phase_flash(int index, const nlohmann::json& fields, const nlohmann::json& units = {});
+
     // The plot of an item's dialog: a machine's curves with the last run's
     // operating points, a line's pressure profile; null for other kinds.
     nlohmann::json plot(const std::string& kind, int index);

@@ -168,6 +168,15 @@ void WebServer::routes() {
         reply_json(res, d, d.contains("fields") ? 200 : 422);
     });
 
+    s.Post(R"(/api/dialog/Phase/(\d{1,9})/flash)", [this](const httplib::Request& req, httplib::Response& res) {
+        Json in;
+        if (!body_json(req, res, in)) return;
+        std::lock_guard<std::mutex> g(session_.lock);
+        const Json d = session_.phase_flash(std::stoi(req.matches[1]), in.value("fields", Json::object()),
+                                            in.value("units", Json::object()));
+        reply_json(res, d, d.contains("fields") ? 200 : 422);
+    });
+
     s.Get(R"(/api/plot/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
         reply_json(res, session_.plot(req.matches[1], std::stoi(req.matches[2])));

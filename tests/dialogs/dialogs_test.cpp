@@ -23,7 +23,7 @@ namespace {
 using Texts = std::vector<std::pair<std::string, std::string>>;
 
 const char* const kKinds[] = {"Feed", "Prod", "Line", "Valve", "Check", "Pump", "Comp",
-                              "FO",   "HX",   "Misc", "Expand", "Tee", "Junc", "Vessel"};
+                              "FO",   "HX",   "Misc", "Expand", "Tee", "Junc", "Vessel", "Phase"};
 
 // Two records of each kind, numbered tags, with values a run might leave:
 // odd numbers in position 2, case strings of several entries and letters.

@@ -109,6 +109,10 @@ test("every dialog opens on every example without an error in the page", async (
     for (const item of sheet.items) {
       const d = await api(server, `/api/dialog/${item.kind}/${item.index}`);
       assert.ok(d.fields?.length > 0, `${example}: ${item.kind} ${item.index} has a dialog`);
+      if (item.kind === "Line") {
+        const fluid = await api(server, `/api/dialog/Phase/${item.index}`);
+        assert.equal(fluid.form, "frmPhase", `${example}: line ${item.index} has a fluid dialog`);
+      }
     }
     // Through the page for one item of each kind.
     const seen = new Set();
@@ -272,4 +276,34 @@ test("with the case dialog chosen, a double click on an entry edits it one case 
   await page.waitForSelector("#modal", { state: "hidden" });
   const d = await api(server, "/api/dialog/Valve/1");
   assert.match(d.fields.find((f) => f.name === "OPEN").text, /^55(\.0)?;70(\.0)?$/);
+});
+
+test("Edit > Fluid flashes the line as typed, shows the trace, and only OK keeps what the flash found", async () => {
+  const { page, server, errors } = await start("examples/condensate_flash_drum.vdf");
+  const line = (await sheetJson(server)).items.find((i) => i.kind === "Line" && i.index === 1);
+  const p = await at(page, ...spotOf(line));
+  await page.mouse.click(p.x, p.y);
+  await menu(page, "mnuEditFluid");
+  await page.waitForSelector("#dialog[data-form=frmPhase]");
+  await fill(page, "TEMP1", "150");
+  await fill(page, "PRES1", "100");
+  await page.locator('#dialog button[data-answer="Flash"]').click();
+  await page.waitForFunction(() => document.querySelector("#dialog .flash-log")?.textContent?.includes("Flash - Results"));
+  assert.equal(await field(page, "LF1").inputValue(), "0", "steam at 150 C and 100 kPag");
+  const vapour = Number(await field(page, "VAPDEN1").inputValue());
+  assert.ok(vapour > 1.0 && vapour < 1.1, `vapour density ${vapour}`);
+  const before = await api(server, "/api/dialog/Phase/1");
+  assert.equal(before.fields.find((f) => f.name === "TEMP1").text, "180", "the flash alone changes nothing");
+  await fill(page, "COMP0_1", "0.5");
+  await page.locator('#dialog button[data-answer="Flash"]').click();
+  await page.waitForSelector("#dialog .help.refused");
+  assert.equal(await page.locator("#dialog .help").textContent(),
+    "Error! Stream C-201_In flash failed. Input composition <> 1 or No components defined.");
+  await fill(page, "COMP0_1", "1");
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const after = await api(server, "/api/dialog/Phase/1");
+  assert.equal(after.fields.find((f) => f.name === "LF1").text, "0");
+  assert.equal(after.fields.find((f) => f.name === "TEMP1").text, "150");
+  assert.deepEqual(errors, []);
 });

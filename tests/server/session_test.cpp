@@ -126,6 +126,26 @@ TEST_F(SessionFixture, ARunOnTheWorkerThreadHandsItsResultsBack) {
     EXPECT_NE(reply["view"]["text"].get<std::string>().find("PRESSURE PROFILE REPORT"), std::string::npos);
 }
 
+// The Flash of the fluid dialog works on a copy: the dialog shows what the
+// flash found and the trace, the project keeps its line until OK.
+TEST_F(SessionFixture, TheFluidDialogsFlashChangesNothingUntilOk) {
+    EXPECT_EQ(command("mnuEditFluid")["told"][0], "Select a line to edit its fluid.");
+    ASSERT_TRUE(session.start(quiet, std::string(VELM_SOURCE_DIR) + "/examples/condensate_flash_drum.vdf"));
+    const std::vector<Line> before = session.project().lines;
+    const Json d = session.phase_flash(1, {{"TEMP1", "150"}, {"PRES1", "100"}});
+    ASSERT_TRUE(d.contains("fields")) << d.dump();
+    EXPECT_NE(d["log"].get<std::string>().find("Flash - Results"), std::string::npos);
+    for (const Json& f : d["fields"]) {
+        if (f["name"] == "LF1") {
+            EXPECT_EQ(f["text"], "0");  // steam at 150 C and 100 kPag
+        }
+    }
+    EXPECT_TRUE(session.project().lines == before);
+    EXPECT_EQ(session.phase_flash(1, {{"COMP0_1", "0.5"}})["message"],
+              "Error! Stream C-201_In flash failed. Input composition <> 1 or No components defined.");
+    EXPECT_TRUE(session.project().lines == before);
+}
+
 TEST_F(SessionFixture, CommandsThatNeedThePageOrDoNotExist) {
     EXPECT_EQ(command("mnuFileOpen", {1})["picker"]["mode"], "open");
     EXPECT_EQ(command("mnuRunLogView")["told"][0], "File not found. Run hydraulics/HMB to create file.");

@@ -94,7 +94,15 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   name.className = "name";
   name.textContent = f.label || f.name;
   let input: HTMLInputElement | HTMLSelectElement;
-  if (f.choices && f.choices.length) {
+  if (f.readonly) {
+    // A calculated value: shown, not typed; OK never writes it.
+    const t = document.createElement("input");
+    t.type = "text";
+    t.readOnly = true;
+    t.className = "result";
+    t.value = readable(f.text ?? "");
+    input = t;
+  } else if (f.choices && f.choices.length) {
     const sel = document.createElement("select");
     for (const c of f.choices) sel.add(new Option(c, c, false, c === f.text));
     if (!f.choices.includes(f.text)) sel.add(new Option(f.text, f.text, true, true));
@@ -164,6 +172,30 @@ function typicalCurveButton(url: string, inputs: Map<string, HTMLInputElement | 
   return b;
 }
 
+// Flashes the line's fluid as typed with the project's engine: the entries
+// take what the flash found (OK keeps them), and the flash's trace shows
+// under the buttons; a refusal or a failed flash shows in the help line.
+function flashButton(url: string, inputs: Map<string, HTMLInputElement | HTMLSelectElement>,
+                     chosen: Record<string, string>, help: HTMLElement, log: HTMLPreElement): HTMLButtonElement {
+  const b = document.createElement("button");
+  b.textContent = "Flash";
+  b.dataset.answer = "Flash";
+  b.addEventListener("click", async () => {
+    const fields: Record<string, string> = {};
+    for (const [name, input] of inputs) fields[name] = input.value;
+    const r: Json = await post(`${url}/flash`, { fields, units: chosen });
+    log.textContent = (r.log ?? "").replace(/^\r\n/, "");
+    log.hidden = !log.textContent;
+    help.textContent = r.message ?? "";
+    help.classList.toggle("refused", !!r.message);
+    for (const f of r.fields ?? []) {
+      const input = inputs.get(f.name);
+      if (input) input.value = f.readonly ? readable(f.text) : f.text;
+    }
+  });
+  return b;
+}
+
 // Opens the dialog of an item; resolves true when OK changed the project.
 export function editItem(kind: string, index: number): Promise<boolean> {
   return editDialog(`/api/dialog/${kind}/${index}`, `/api/plot/${kind}/${index}`);
@@ -229,6 +261,10 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     const buttons = document.createElement("div");
     buttons.className = "buttons";
     if (/^\/api\/dialog\/(Pump|Comp)\//.test(url)) buttons.appendChild(typicalCurveButton(url, inputs, help));
+    const log = document.createElement("pre");
+    log.className = "flash-log";
+    log.hidden = true;
+    if (d.form === "frmPhase") buttons.appendChild(flashButton(url, inputs, chosen, help, log));
     const ok = document.createElement("button");
     ok.textContent = "OK";
     ok.dataset.answer = "OK";
@@ -236,7 +272,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     cancel.textContent = "Cancel";
     cancel.dataset.answer = "Cancel";
     buttons.append(ok, cancel);
-    box.append(title, ...(bar && bar.childElementCount ? [bar] : []), ...(tabs.size > 1 ? [tabBar] : []), pages, help, buttons);
+    box.append(title, ...(bar && bar.childElementCount ? [bar] : []), ...(tabs.size > 1 ? [tabBar] : []), pages, help, log, buttons);
     modal().hidden = false;
     (inputs.values().next().value as HTMLElement | undefined)?.focus();
 
