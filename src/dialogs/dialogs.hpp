@@ -93,6 +93,12 @@ std::optional<Dialog> load_pseudo_dialog(const Project& p, int index);
 std::string apply_pseudo_dialog(RunContext& ctx, Project& p, int index,
                                 const std::vector<std::pair<std::string, std::string>>& texts);
 int add_pseudo(Project& p);
+// Removes pseudo component `index` unless the project's component list uses
+// it ("Cannot delete pseudo component. Remove from project component list
+// first."); the later ones take the numbers one lower, in the list too.
+std::string delete_pseudo(Project& p, int index);
+// The names of the pseudo components, 1 to n in order.
+std::vector<std::string> pseudo_names(const Project& p);
 
 // The forms of the user equations that the page shows beside the equation entries of a "Line", "Feed" or
 // "Prod" dialog; empty for the other kinds.

@@ -98,4 +98,30 @@ int add_pseudo(Project& p) {
     return n;
 }
 
+std::string delete_pseudo(Project& p, int index) {
+    if (index < 1 || index > count(p.pseudos)) return "No equipment to edit.";
+    const int number = kPseudoFirst + index;
+    for (int k = 1; k <= kMaxComps; ++k)
+        if (p.gen.COMP[static_cast<std::size_t>(k)] == number)
+            return "Cannot delete pseudo component. Remove from project component list first.";
+    // A pseudo component is known by its place: the later ones move up a
+    // number, and so do their places in the component list.
+    p.pseudos.erase(p.pseudos.begin() + index);
+    for (int k = index; k <= count(p.pseudos); ++k) {
+        Pseudo& s = p.pseudos[static_cast<std::size_t>(k)];
+        s.NAME_NUM[1] = s.NAME_NUM[2] = kPseudoFirst + k;
+    }
+    for (int k = 1; k <= kMaxComps; ++k) {
+        int& c = p.gen.COMP[static_cast<std::size_t>(k)];
+        if (c > number) --c;
+    }
+    return "";
+}
+
+std::vector<std::string> pseudo_names(const Project& p) {
+    std::vector<std::string> names;
+    for (int k = 1; k <= count(p.pseudos); ++k) names.push_back(trim(p.pseudos[static_cast<std::size_t>(k)].NAME_TEXT[1]));
+    return names;
+}
+
 }  // namespace velm

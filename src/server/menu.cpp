@@ -237,6 +237,11 @@ struct MenuCommands {
         if (ec) io.tell("Error = " + ec.message());
     }
 
+    // A whole number argument; 0 when it is missing or not a number.
+    static int whole(const Json& args, const char* name) {
+        return args.is_object() && args.contains(name) && args[name].is_number_integer() ? args[name].get<int>() : 0;
+    }
+
     static bool flag(const Json& args, const char* name) {
         return args.is_object() && args.contains(name) && args[name].is_boolean() && args[name].get<bool>();
     }
@@ -277,11 +282,23 @@ struct MenuCommands {
         }
     }
 
-    // Process > Pseudo components: the dialog of the first (or, with "add",
-    // of a new one).
-    static void pseudo(Session& s, Interaction&, const Json& args, Json& reply) {
+    // Process > Pseudo components: the dialog of the last one, of the one
+    // given ("index"), of a new one ("add", and when there is none), or,
+    // after deleting one ("delete"), of the one now in its place.
+    static void pseudo(Session& s, Interaction& io, const Json& args, Json& reply) {
         int n = count(s.project_.pseudos);
-        if (n == 0 || flag(args, "add")) {
+        if (const int k = whole(args, "delete"); k > 0) {
+            if (const std::string says = delete_pseudo(s.project_, k); !says.empty()) {
+                io.tell(says);
+                n = std::min(k, n);
+            } else {
+                edited(s, reply);
+                n = std::min(k, count(s.project_.pseudos));
+                if (n == 0) return;
+            }
+        } else if (const int i = whole(args, "index"); i > 0 && i <= n) {
+            n = i;
+        } else if (n == 0 || flag(args, "add")) {
             n = add_pseudo(s.project_);
             edited(s, reply);
         }

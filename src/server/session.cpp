@@ -224,6 +224,7 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
     cases.erase(std::unique(cases.begin(), cases.end()), cases.end());
     j["cases"] = cases;
     j["caseDialog"] = project_.gen.CASEDLG != 0;
+    if (kind == "Pseudo") j["pseudos"] = pseudo_names(project_);
     return j;
 }
 

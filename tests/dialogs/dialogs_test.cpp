@@ -444,5 +444,27 @@ TEST(PseudoDialog, DemandsBoilingPointAndDensityThenEstimates) {
     EXPECT_FALSE(d->fields[4].calculated.empty());  // MW estimated
 }
 
+// A pseudo component in the component list stays; deleting another moves the
+// later ones up a number, in the component list too, so every place still
+// names the component it named.
+TEST(PseudoDialog, DeletesOnlyWhatTheComponentListDoesNotUse) {
+    Project p;
+    NewProject(p);
+    for (int k = 0; k < 3; ++k) add_pseudo(p);
+    p.pseudos[3].NAME_TEXT[1] = "CUT-C";
+    p.gen.COMP[1] = 2;     // a library component
+    p.gen.COMP[2] = 9003;  // CUT-C
+    EXPECT_EQ(delete_pseudo(p, 3), "Cannot delete pseudo component. Remove from project component list first.");
+    EXPECT_EQ(count(p.pseudos), 3);
+    EXPECT_EQ(delete_pseudo(p, 4), "No equipment to edit.");
+    ASSERT_EQ(delete_pseudo(p, 1), "");
+    ASSERT_EQ(count(p.pseudos), 2);
+    EXPECT_EQ(p.gen.COMP[1], 2);
+    EXPECT_EQ(p.gen.COMP[2], 9002);
+    EXPECT_EQ(p.pseudos[2].NAME_TEXT[1], "CUT-C");
+    EXPECT_EQ(p.pseudos[2].NAME_NUM[1], 9002);
+    EXPECT_EQ(pseudo_names(p), (std::vector<std::string>{"PSEUDO_2", "CUT-C"}));
+}
+
 }  // namespace
 }  // namespace velm

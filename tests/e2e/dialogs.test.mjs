@@ -232,6 +232,17 @@ test("Process > Pseudo components asks for the boiling point and density, then e
   const d = await api(server, "/api/dialog/Pseudo/1");
   const mw = Number(d.fields.find((f) => f.name === "MW").calculated);
   assert.ok(mw > 120 && mw < 160, String(mw));
+
+  // A second one from the dialog's New, then CUT-1 deleted: the dialog shows the one left.
+  await menu(page, "mnuProcessPseudo");
+  await page.waitForSelector("#dialog[data-form=frmPseudo]");
+  await page.locator('#dialog button[data-answer="New"]').click();
+  await page.waitForFunction(() => document.querySelectorAll('#dialog select[name="pseudo"] option').length === 2);
+  await page.locator('#dialog select[name="pseudo"]').selectOption({ label: "CUT-1" });
+  await page.waitForFunction(() => document.querySelector('#dialog [data-field="NAME"]')?.value === "CUT-1");
+  await page.locator('#dialog button[data-answer="Delete"]').click();
+  await page.waitForFunction(() => document.querySelectorAll('#dialog select[name="pseudo"] option').length === 1);
+  assert.equal(await page.locator('#dialog [data-field="NAME"]').inputValue(), "PSEUDO_2");
 });
 
 test("Options > Pipe data shows the table, refuses a bore outside the pipe, takes a good one and saves the table", async () => {

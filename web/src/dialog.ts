@@ -196,6 +196,43 @@ function flashButton(url: string, inputs: Map<string, HTMLInputElement | HTMLSel
   return b;
 }
 
+// How a dialog hands a menu command to the page (set by the page at start).
+let runCommand: (name: string, args: Json) => Promise<void> = async () => {};
+export function setCommandRunner(run: (name: string, args: Json) => Promise<void>): void {
+  runCommand = run;
+}
+
+// The pseudo component dialog's own commands: which one is on show, a new
+// one, and deleting the one on show; each closes this dialog first.
+function pseudoControls(d: Json, close: (changed: boolean) => void, help: HTMLElement): HTMLElement {
+  const bar = document.createElement("div");
+  bar.className = "pseudos";
+  const pick = document.createElement("select");
+  pick.name = "pseudo";
+  (d.pseudos ?? []).forEach((name: string, i: number) => pick.add(new Option(name, String(i + 1), false, i + 1 === d.index)));
+  pick.addEventListener("change", () => {
+    close(false);
+    void runCommand("mnuProcessPseudo", { index: Number(pick.value) });
+  });
+  const add = document.createElement("button");
+  add.textContent = "New";
+  add.dataset.answer = "New";
+  add.addEventListener("click", () => {
+    close(false);
+    void runCommand("mnuProcessPseudo", { add: true });
+  });
+  const del = document.createElement("button");
+  del.textContent = "Delete";
+  del.dataset.answer = "Delete";
+  del.addEventListener("click", () => {
+    help.textContent = "";
+    close(false);
+    void runCommand("mnuProcessPseudo", { delete: d.index });
+  });
+  bar.append(pick, add, del);
+  return bar;
+}
+
 // Opens the dialog of an item; resolves true when OK changed the project.
 export function editItem(kind: string, index: number): Promise<boolean> {
   return editDialog(`/api/dialog/${kind}/${index}`, `/api/plot/${kind}/${index}`);
@@ -273,6 +310,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     cancel.dataset.answer = "Cancel";
     buttons.append(ok, cancel);
     box.append(title, ...(bar && bar.childElementCount ? [bar] : []), ...(tabs.size > 1 ? [tabBar] : []), pages, help, log, buttons);
+    if (d.kind === "Pseudo") title.after(pseudoControls(d, (changed) => close(changed), help));
     modal().hidden = false;
     (inputs.values().next().value as HTMLElement | undefined)?.focus();
 

@@ -6,7 +6,7 @@ import { get, Json, post, token } from "./api";
 import { MENUS, PALETTE, PALETTE_TIP, POPUP, TOOLBAR, ZOOMS, ZOOM_TIP, Entry } from "./menus";
 import { ColourBy, range, renderSheet, TWIPS_PER_PIXEL } from "./render";
 import * as ui from "./ui";
-import { editItem, editOptions } from "./dialog";
+import { editItem, editOptions, setCommandRunner } from "./dialog";
 
 const svg = document.getElementById("sheet") as unknown as SVGSVGElement;
 let sheet: Json = null;
@@ -390,6 +390,7 @@ function build(): void {
 };
 
 $("runclose").addEventListener("click", () => ($("runpanel").hidden = true));
+setCommandRunner(command);
 build();
 if (!token) void ui.message("This page needs the address that velm serve printed, with its token.");
 else void refresh().then(async () => {
