@@ -96,7 +96,7 @@ void BM_DialogRoundTrip(benchmark::State& state) {
         const nlohmann::json d = session.dialog("Pump", 1);
         nlohmann::json fields = nlohmann::json::object();
         for (const auto& f : d["fields"]) fields[f["name"].get<std::string>()] = f["text"];
-        benchmark::DoNotOptimize(session.apply_dialog_texts("Pump", 1, fields).dump());
+        benchmark::DoNotOptimize(session.apply_dialog_texts(quiet, "Pump", 1, fields).dump());
     }
 }
 BENCHMARK(BM_DialogRoundTrip)->Unit(benchmark::kMicrosecond);

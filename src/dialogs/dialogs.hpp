@@ -16,6 +16,7 @@ namespace velm {
 
 struct RunContext;
 struct Project;
+class Interaction;
 
 // One entry of a dialog.
 struct DialogField {
@@ -78,6 +79,19 @@ std::optional<Dialog> load_phase_dialog(RunContext& ctx, const Project& p, const
 // words of the refusal or of the failed flash.
 std::string flash_phase_dialog(RunContext& ctx, Project& p, const DisplayUnits& units, int index,
                                const std::vector<std::pair<std::string, std::string>>& texts);
+
+// The component library of the project's flash engine ("Edit library"), record
+// `number`: the record's fields by their labels (a prophys.lib record: name,
+// formula and mole weight), each with "Hit ENTER to store new value.", and the
+// library's components as the choices of COMPONENT. Nothing for an engine
+// without a library of its own (library_supported false) or a number beyond it.
+bool library_supported(const Project& p);
+std::optional<Dialog> load_library_dialog(RunContext& ctx, const Project& p, int number);
+// Stores the changed fields in the library file after "Update library with new
+// value ?"; "" (also after a no), or "Error in updating props = " and why.
+// No other check is made of the values ("Note, no error checking is done.").
+std::string apply_library_dialog(RunContext& ctx, Interaction& io, const Project& p, int number,
+                                 const std::vector<std::pair<std::string, std::string>>& texts);
 
 // The dialog of free drawing object `index` (Symbol): shape, text, font size
 // factor and pen; and its OK (the text without double quotes, a size from

@@ -282,6 +282,13 @@ struct MenuCommands {
         }
     }
 
+    // Options > Properties: a record of the flash engine's component library
+    // ("number", else the first), when the engine keeps a library of its own.
+    static void library(Session& s, Interaction& io, const Json& args, Json& reply) {
+        if (!library_supported(s.project_)) return io.tell("Error! Flash method does not support this operation.");
+        reply["edit"] = {{"kind", "Library"}, {"index", std::max(whole(args, "number"), 1)}};
+    }
+
     // Process > Pseudo components: the dialog of the last one, of the one
     // given ("index"), of a new one ("add", and when there is none), or,
     // after deleting one ("delete"), of the one now in its place.
@@ -424,7 +431,7 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuProcessPseudo", VELM_CMD(H::pseudo(s, io, args, reply))},
         {"mnuProcessView", VELM_CMD((void)args; H::view_file(s, io, "resultm.rtf", "Result file not found. First run HMB.", reply))},
         {"mnuProcessSave", VELM_CMD(H::save_file(s, io, args, "resultm.rtf", "HMB must be run to create a result file.", reply))},
-        {"mnuOptionsProp", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The properties dialog"))},
+        {"mnuOptionsProp", VELM_CMD(H::library(s, io, args, reply))},
         {"mnuOptionsPData", VELM_CMD(H::pipe_data(s, io, args, reply))},
         {"mnuHelpHelp", VELM_CMD((void)s; (void)io; (void)args; reply["page"] = "help")},
         {"mnuHelpSupport", VELM_CMD((void)s; (void)io; (void)args;

@@ -213,6 +213,7 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
     const auto d = kind == "Symbol"   ? load_symbol_dialog(project_, index)
                    : kind == "Pseudo" ? load_pseudo_dialog(project_, index)
                    : kind == "Phase"  ? load_phase_dialog(ctx, project_, dialog_units(units), index)
+                   : kind == "Library" ? load_library_dialog(ctx, project_, index)
                                       : load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
     nlohmann::json j = dialog_json(*d);
@@ -225,6 +226,7 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
     j["cases"] = cases;
     j["caseDialog"] = project_.gen.CASEDLG != 0;
     if (kind == "Pseudo") j["pseudos"] = pseudo_names(project_);
+    if (kind == "Library") j["note"] = "Note, no error checking is done.";
     return j;
 }
 
@@ -268,9 +270,17 @@ nlohmann::json Session::apply_options_texts(const std::string& name, const nlohm
         [&] { return options_dialog(name); });
 }
 
-nlohmann::json Session::apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields,
-                                           const nlohmann::json& units) {
+nlohmann::json Session::apply_dialog_texts(Interaction& io, const std::string& kind, int index,
+                                           const nlohmann::json& fields, const nlohmann::json& units) {
     const DisplayUnits u = dialog_units(units);
+    // The library is a file of the program, not part of the project.
+    if (kind == "Library") {
+        if (running_) return {{"message", "Simulation still running !"}};
+        RecordingInteraction quiet;
+        RunContext ctx(quiet);
+        const std::string message = apply_library_dialog(ctx, io, project_, index, typed_texts(fields));
+        return message.empty() ? dialog(kind, index, units) : nlohmann::json{{"message", message}};
+    }
     return apply_texts([&](RunContext& ctx) {
                            if (kind == "Symbol") return apply_symbol_dialog(project_, index, typed_texts(fields));
                            if (kind == "Pseudo") return apply_pseudo_dialog(ctx, project_, index, typed_texts(fields));

@@ -75,7 +75,8 @@ public:
     nlohmann::json dialog(const std::string& kind, int index, const nlohmann::json& units = {});
     // OK of that dialog with the typed texts: {"message"} with nothing changed,
     // or the dialog as it now stands.
-    nlohmann::json apply_dialog_texts(const std::string& kind, int index, const nlohmann::json& fields,
+    // A question (the library's "Update library with new value ?") goes to io.
+    nlohmann::json apply_dialog_texts(Interaction& io, const std::string& kind, int index, const nlohmann::json& fields,
                                       const nlohmann::json& units = {});
 
     // The dialog of an Options menu command (defaults, methods, cases, title,

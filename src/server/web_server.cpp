@@ -163,9 +163,16 @@ void WebServer::routes() {
         Json in;
         if (!body_json(req, res, in)) return;
         std::lock_guard<std::mutex> g(session_.lock);
-        const Json d = session_.apply_dialog_texts(req.matches[1], std::stoi(req.matches[2]),
-                                                   in.value("fields", Json::object()), in.value("units", Json::object()));
-        reply_json(res, d, d.contains("fields") ? 200 : 422);
+        RequestInteraction io(answers_of(in));
+        Json d;
+        try {
+            d = session_.apply_dialog_texts(io, req.matches[1], std::stoi(req.matches[2]),
+                                            in.value("fields", Json::object()), in.value("units", Json::object()));
+        } catch (const NeedAnswer& q) {
+            session_.undo_pending();
+            d = {{"question", {{"text", q.question}, {"choices", q.choices}}}};
+        }
+        reply_json(res, d, d.contains("fields") || d.contains("question") ? 200 : 422);
     });
 
     s.Post(R"(/api/dialog/Phase/(\d{1,9})/flash)", [this](const httplib::Request& req, httplib::Response& res) {

@@ -205,6 +205,33 @@ std::filesystem::path library_dir_from_environment() {
     return dir ? std::filesystem::path(dir) : std::filesystem::path();
 }
 
+namespace {
+
+// The floats of a propa.lib record in file order, from byte 56 on.
+constexpr float CompProp::*kPropaFloats[kFloatFields] = {
+    &CompProp::MW,   &CompProp::TFP,      &CompProp::TBP,   &CompProp::TC,    &CompProp::PC,      &CompProp::VC,
+    &CompProp::ZC,   &CompProp::Acc,      &CompProp::LDenStd, &CompProp::LDen, &CompProp::TDen,   &CompProp::DIPM,
+    &CompProp::CpA,  &CompProp::CpB,      &CompProp::CpC,   &CompProp::CpD,   &CompProp::CpE,     &CompProp::ViscType,
+    &CompProp::ViscA, &CompProp::ViscB,   &CompProp::ViscC, &CompProp::ViscD, &CompProp::HVap,    &CompProp::HFor,
+    &CompProp::GFor, &CompProp::AntA,     &CompProp::AntB,  &CompProp::AntC,  &CompProp::AntD,    &CompProp::AntE,
+    &CompProp::AntTMin, &CompProp::AntTMax};
+
+void put_le32(char* p, std::uint32_t v) {
+    for (int k = 0; k < 4; ++k) p[k] = static_cast<char>((v >> (8 * k)) & 0xFFu);
+}
+
+void put_le64(char* p, std::uint64_t v) {
+    for (int k = 0; k < 8; ++k) p[k] = static_cast<char>((v >> (8 * k)) & 0xFFu);
+}
+
+// A text into a fixed field, blank padded.
+void put_text(char* p, std::string_view text, std::size_t width) {
+    std::memset(p, ' ', width);
+    std::memcpy(p, text.data(), std::min(text.size(), width));
+}
+
+}  // namespace
+
 bool decode_propa_record(std::string_view bytes, CompProp& rec) {
     if (bytes.size() < kPropaRecordBytes) return false;
     const char* p = bytes.data();
@@ -216,13 +243,44 @@ bool decode_propa_record(std::string_view bytes, CompProp& rec) {
     rec.Number = static_cast<std::int32_t>(le32(p));
     rec.Name = text_field(p + 4, kNameBytes);
     rec.Formula = text_field(p + 44, kFormulaBytes);
-    float* const fields[kFloatFields] = {
-        &rec.MW,   &rec.TFP,  &rec.TBP,   &rec.TC,   &rec.PC,       &rec.VC,    &rec.ZC,    &rec.Acc,
-        &rec.LDenStd, &rec.LDen, &rec.TDen, &rec.DIPM, &rec.CpA,   &rec.CpB,   &rec.CpC,   &rec.CpD,
-        &rec.CpE,  &rec.ViscType, &rec.ViscA, &rec.ViscB, &rec.ViscC, &rec.ViscD, &rec.HVap, &rec.HFor,
-        &rec.GFor, &rec.AntA, &rec.AntB,  &rec.AntC, &rec.AntD,     &rec.AntE,  &rec.AntTMin, &rec.AntTMax};
-    for (std::size_t k = 0; k < kFloatFields; ++k) *fields[k] = v[k];
+    for (std::size_t k = 0; k < kFloatFields; ++k) rec.*kPropaFloats[k] = v[k];
     return true;
+}
+
+void encode_library_record(const CompProp& rec, std::string& bytes) {
+    char* p = bytes.data();
+    if (bytes.size() == kPropaRecordBytes) {
+        put_le32(p, static_cast<std::uint32_t>(rec.Number));
+        put_text(p + 4, rec.Name, kNameBytes);
+        put_text(p + 44, rec.Formula, kFormulaBytes);
+        for (std::size_t k = 0; k < kFloatFields; ++k) put_le32(p + 56 + 4 * k, std::bit_cast<std::uint32_t>(rec.*kPropaFloats[k]));
+    } else if (bytes.size() == kProphysRecordBytes) {
+        put_text(p + 2, rec.Name, kNameBytes);
+        put_text(p + 42, rec.Formula, kFormulaBytes);
+        put_le64(p + 54, std::bit_cast<std::uint64_t>(static_cast<double>(rec.MW)));
+    }
+}
+
+std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, const CompProp& rec) {
+    std::size_t record_bytes = 0;
+    const std::string_view file = engine_library(ctx, lib, record_bytes);
+    if (file.empty()) return "Flash method does not support this operation.";
+    if (lib.dir.empty())
+        return "the libraries are built into the program; name a folder of libraries in VELM_LIB to change one.";
+    std::fstream f(lib.dir / std::string(file), std::ios::binary | std::ios::in | std::ios::out);
+    if (!f) return not_found_text(file);
+    f.seekg(0, std::ios::end);
+    const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(f.tellg(), 0));
+    const std::uint64_t at = static_cast<std::uint64_t>(std::max(rec.Number, 1) - 1) * record_bytes;
+    if (rec.Number < 1 || at + record_bytes > size) return "63 : Bad record number";
+    std::string bytes(record_bytes, '\0');
+    f.seekg(static_cast<std::streamoff>(at));
+    f.read(bytes.data(), static_cast<std::streamsize>(record_bytes));
+    encode_library_record(rec, bytes);
+    f.seekp(static_cast<std::streamoff>(at));
+    f.write(bytes.data(), static_cast<std::streamsize>(record_bytes));
+    f.flush();
+    return f ? "" : "75 : Path/File access error";
 }
 
 int CountComps(std::span<const int> ids) {

@@ -55,6 +55,15 @@ std::filesystem::path library_dir_from_environment();
 // is not a finite number.
 bool decode_propa_record(std::string_view bytes, CompProp& rec);
 
+// Writes rec into a library record of its size as read from the file: all of
+// a propa.lib record; the name, formula and mole weight of a prophys.lib record, whose
+// other bytes stay.
+void encode_library_record(const CompProp& rec, std::string& bytes);
+
+// Writes rec over record rec.Number of the engine's library in lib.dir (the
+// built-in libraries cannot change). Returns "" or why it could not.
+std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, const CompProp& rec);
+
 // Component numbers ids[1..] up to the first 0 (ids[0] is not used).
 int CountComps(std::span<const int> ids);
 

@@ -318,3 +318,21 @@ test("Edit > Fluid flashes the line as typed, shows the trace, and only OK keeps
   assert.equal(after.fields.find((f) => f.name === "TEMP1").text, "150");
   assert.deepEqual(errors, []);
 });
+
+test("Options > Properties shows a library record by its labels and asks before storing a change", async () => {
+  const { page, errors } = await start("examples/condensate_flash_drum.vdf");
+  await menu(page, "mnuOptionsProp");
+  await page.waitForSelector("#dialog[data-form='Edit library']");
+  assert.equal(await page.locator("#dialog .note").textContent(), "Note, no error checking is done.");
+  await page.locator('#dialog select[data-field="COMPONENT"]').selectOption({ label: "10 Water" });
+  await page.waitForFunction(() => document.querySelector('#dialog [data-field="Name"]')?.value === "Water");
+  await field(page, "TC").fill("650");
+  await field(page, "TC").press("Enter");
+  await page.waitForSelector('#dialog .help button[data-answer="Yes"]');
+  assert.equal((await page.locator("#dialog .help").textContent()).trim().startsWith("Update library with new value ?"), true);
+  await page.locator('#dialog .help button[data-answer="Yes"]').click();
+  await page.waitForSelector("#dialog .help.refused");
+  assert.match(await page.locator("#dialog .help").textContent(), /^Error in updating props = the libraries are built into the program/);
+  await page.keyboard.press("Escape");
+  assert.deepEqual(errors, []);
+});

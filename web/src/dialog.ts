@@ -115,11 +115,12 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   }
   input.name = f.name;
   input.dataset.field = f.name;
+  const helpFree = () => !help.dataset.cases && !help.dataset.asking;
   input.addEventListener("focus", () => {
-    if (!help.dataset.cases) help.textContent = f.hint ?? "";
+    if (helpFree()) help.textContent = f.hint ?? "";
   });
   input.addEventListener("blur", () => {
-    if (!help.dataset.cases) help.textContent = "";
+    if (helpFree()) help.textContent = "";
   });
   inputs.set(f.name, input);
   const unit = document.createElement("span");
@@ -142,6 +143,24 @@ function fieldRow(f: Json, help: HTMLElement, inputs: Map<string, HTMLInputEleme
   return row;
 }
 
+// Asks the program's question in the help line; the answer's index goes to `answer`.
+// While it stands, an entry's focus does not take the help line.
+function askInHelp(help: HTMLElement, question: Json, answer: (i: number) => void): void {
+  help.replaceChildren(question.text + " ");
+  help.dataset.asking = "true";
+  question.choices.forEach((c: string, i: number) => {
+    const b = document.createElement("button");
+    b.textContent = c;
+    b.dataset.answer = c;
+    b.addEventListener("click", () => {
+      delete help.dataset.asking;
+      help.replaceChildren();
+      answer(i);
+    });
+    help.appendChild(b);
+  });
+}
+
 // Fills the curve with the project's typical curve through the present point,
 // after the program's question, asked inside the dialog; the texts on show follow.
 function typicalCurveButton(url: string, inputs: Map<string, HTMLInputElement | HTMLSelectElement>,
@@ -152,14 +171,7 @@ function typicalCurveButton(url: string, inputs: Map<string, HTMLInputElement | 
   const send = async (answers: number[]) => {
     const r: Json = await post(`${url}/typical-curve`, { answers });
     if (r.question) {
-      help.replaceChildren(r.question.text + " ");
-      r.question.choices.forEach((c: string, i: number) => {
-        const yes = document.createElement("button");
-        yes.textContent = c;
-        yes.dataset.answer = c;
-        yes.addEventListener("click", () => void send([i]));
-        help.appendChild(yes);
-      });
+      askInHelp(help, r.question, (i) => void send([i]));
       return;
     }
     help.textContent = r.message ?? "";
@@ -256,7 +268,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     box.dataset.kind = "form";
     box.dataset.form = d.form;
     const title = document.createElement("h3");
-    title.textContent = d.kind === "Options" ? d.form : `${d.form} - ${d.kind} ${d.index}`;
+    title.textContent = d.kind === "Options" || d.kind === "Library" ? d.form : `${d.form} - ${d.kind} ${d.index}`;
     const help = document.createElement("div");
     help.className = "help";
     const inputs = new Map<string, HTMLInputElement | HTMLSelectElement>();
@@ -311,6 +323,17 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     buttons.append(ok, cancel);
     box.append(title, ...(bar && bar.childElementCount ? [bar] : []), ...(tabs.size > 1 ? [tabBar] : []), pages, help, log, buttons);
     if (d.kind === "Pseudo") title.after(pseudoControls(d, (changed) => close(changed), help));
+    if (d.note) {
+      const note = document.createElement("div");
+      note.className = "note";
+      note.textContent = d.note;
+      title.after(note);
+    }
+    // Another record of the library: the dialog of that one.
+    inputs.get("COMPONENT")?.addEventListener("change", (e) => {
+      close(false);
+      void runCommand("mnuOptionsProp", { number: parseInt((e.target as HTMLSelectElement).value, 10) });
+    });
     modal().hidden = false;
     (inputs.values().next().value as HTMLElement | undefined)?.focus();
 
@@ -320,10 +343,14 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
       box.onkeydown = null;
       resolve(changed);
     };
-    ok.addEventListener("click", async () => {
+    const submit = async (answers: number[]) => {
       const fields: Record<string, string> = {};
       for (const [name, input] of inputs) fields[name] = input.value;
-      const r: Json = await put(url, { fields, units: chosen });
+      const r: Json = await put(url, { fields, units: chosen, answers });
+      if (r.question) {
+        askInHelp(help, r.question, (i) => void submit([i]));
+        return;
+      }
       if (r.message) {
         help.textContent = r.message;
         help.classList.add("refused");
@@ -331,7 +358,8 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
         return;
       }
       close(true);
-    });
+    };
+    ok.addEventListener("click", () => void submit([]));
     cancel.addEventListener("click", () => close(false));
     box.onkeydown = (e: KeyboardEvent) => {
       if (e.key === "Escape") {
