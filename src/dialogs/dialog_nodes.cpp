@@ -40,6 +40,12 @@ const KindDef<Tee>& tee_dialog() {
                                             "Input or leave empty to calc. K value based on Combined flow.")
                                       .number("SPAC", "Spacing", "Flow", "", A(SPAC),
                                               "Spacing between neighbouring T-pieces. Enter 0 or >30 to ignore.")
+                                      .result("PRES1", "Pressure at nozzle 1", "pressure", A(PRES[1]))
+                                      .result("PRES2", "Pressure at nozzle 2", "pressure", A(PRES[2]))
+                                      .result("PRES3", "Pressure at nozzle 3", "pressure", A(PRES[3]))
+                                      .result("DPP1", "Pressure drop 1", "=kPa", A(DPP[1]))
+                                      .result("DPP2", "Pressure drop 2", "=kPa", A(DPP[2]))
+                                      .result("DPP3", "Pressure drop 3", "=kPa", A(DPP[3]))
                                       .notes(A(NOTES));
                                   return f.done();
                               }()};
