@@ -93,6 +93,16 @@ std::optional<Dialog> load_library_dialog(RunContext& ctx, const Project& p, int
 std::string apply_library_dialog(RunContext& ctx, Interaction& io, const Project& p, int number,
                                  const std::vector<std::pair<std::string, std::string>>& texts);
 
+// The icon dialog: the drawing table of an icon slot (a kind and form, as
+// icon_slot numbers them) row by row (command, X, Y in twips), and "Default
+// icon". Its OK checks every entry, demands the corners in rows 0 and 1, and
+// keeps the table in the project in place of the default (Yes to "Default
+// icon" drops it). selected_icon_slot: the slot of the first selected item
+// that has an icon, or -1.
+int selected_icon_slot(const Project& p);
+std::optional<Dialog> load_icon_dialog(const Project& p, int slot);
+std::string apply_icon_dialog(Project& p, int slot, const std::vector<std::pair<std::string, std::string>>& texts);
+
 // The dialog of free drawing object `index` (Symbol): shape, text, font size
 // factor and pen; and its OK (the text without double quotes, a size from
 // above 0 to 100), "" or the words of the refusal with nothing changed.

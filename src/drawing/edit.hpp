@@ -13,15 +13,6 @@
 
 namespace velm {
 
-// One icon: Count is the index of its last command; Op, X, Y the commands and
-// their operands in twips from the icon's anchor. Elements 0 and 1 (ops 10 and
-// 11) are two opposite corners of its bounding box.
-struct IconDef {
-    int Count = 1;
-    std::array<int, 41> Op{};
-    std::array<float, 41> X{}, Y{};
-};
-
 inline constexpr int kIconCorner = 10, kIconFrame = 11, kIconMove = 1, kIconPoint = 2, kIconLine = 3, kIconBox = 4,
                      kIconCircle = 5, kIconArc = 6, kIconFilledBox = 8, kIconWhiteBox = 9, kIconRadius = 100,
                      kIconAngles = 200;

@@ -236,19 +236,46 @@ const Icon& default_icon(ItemKind kind, int form) {
     return forms[static_cast<std::size_t>(std::clamp(form, 0, static_cast<int>(forms.size()) - 1))];
 }
 
-const Icon& item_icon(const Project& p, ItemRef r) {
+namespace {
+
+constexpr int kFormsPerKind = 3;
+
+int item_form(const Project& p, ItemRef r) {
     int form = 0;
     with_record(p, r, [&](const auto& rec) {
         if constexpr (requires { rec.TYPE.size(); }) form = icon_form(r.kind, rec.TYPE);
     });
-    return default_icon(r.kind, form);
+    return form;
+}
+
+}  // namespace
+
+int icon_slot(ItemKind kind, int form) { return static_cast<int>(kind) * kFormsPerKind + form; }
+
+bool icon_of_slot(int slot, ItemKind& kind, int& form) {
+    if (slot < 0 || slot >= static_cast<int>(ItemKind::Symbol) * kFormsPerKind) return false;
+    kind = static_cast<ItemKind>(slot / kFormsPerKind);
+    form = slot % kFormsPerKind;
+    const bool forms = kind == ItemKind::Feed || kind == ItemKind::Prod || kind == ItemKind::Vessel;
+    return form == 0 || forms;
+}
+
+int item_icon_slot(const Project& p, ItemRef r) { return icon_slot(r.kind, item_form(p, r)); }
+
+const Icon& item_icon(const Project& p, ItemRef r) { return default_icon(r.kind, item_form(p, r)); }
+
+const IconDef& item_drawing(const Project& p, ItemRef r) {
+    const int form = item_form(p, r);
+    if (!p.icons.empty())
+        if (const auto it = p.icons.find(icon_slot(r.kind, form)); it != p.icons.end()) return it->second;
+    return default_icon(r.kind, form).draw;
 }
 
 IconDef placed_icon(const Project& p, ItemRef r) {
     const Drawn* d = drawn(p, r);
     const auto [x0, y0] = item_anchor(p, r);
-    if (!d) return PlaceIcon(item_icon(p, r).draw, x0, y0, 0, 1, 1);
-    return PlaceIcon(item_icon(p, r).draw, x0, y0, d->ROT, flip_sign(d->FLIP[1]), flip_sign(d->FLIP[2]));
+    if (!d) return PlaceIcon(item_drawing(p, r), x0, y0, 0, 1, 1);
+    return PlaceIcon(item_drawing(p, r), x0, y0, d->ROT, flip_sign(d->FLIP[1]), flip_sign(d->FLIP[2]));
 }
 
 Box item_box(const Project& p, ItemRef r) {

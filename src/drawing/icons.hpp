@@ -24,8 +24,17 @@ int icon_form(ItemKind kind, const std::string& type);
 // The default icon of a kind and form.
 const Icon& default_icon(ItemKind kind, int form);
 
-// The icon that item r is drawn with.
+// The icon that item r is drawn with: its ports are those of the default
+// icon of its kind and form; its drawing is the user's edit of it, if any.
 const Icon& item_icon(const Project& p, ItemRef r);
+const IconDef& item_drawing(const Project& p, ItemRef r);
+
+// The slot of a kind and form in Project::icons, and back (false for a number
+// that is no slot).
+int icon_slot(ItemKind kind, int form);
+bool icon_of_slot(int slot, ItemKind& kind, int& form);
+// The slot of item r's icon.
+int item_icon_slot(const Project& p, ItemRef r);
 
 // A rectangle of the sheet, x0 <= x1 and y0 <= y1.
 struct Box {

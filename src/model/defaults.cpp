@@ -294,6 +294,7 @@ void NewProject(Project& p) {
     only_template(p.symbols, symbol_template());
     only_template(p.pseudos, pseudo_template());
     p.tools = calculator_defaults(p);
+    p.icons.clear();
     if (p.pipedata.empty()) p.pipedata.resize(1);
 }
 

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -455,6 +456,17 @@ inline constexpr int32_t kColorError = 255;
 
 // The project: element 0 of every vector is the template record of its kind;
 // records in use are 1..N. PipeData and Pseudo keep the same numbering.
+// One icon: Count is the index of its last command; Op, X, Y the commands and
+// their operands in twips from the icon's anchor. Elements 0 and 1 (ops 10 and
+// 11) are two opposite corners of its bounding box.
+struct IconDef {
+    int Count = 1;
+    std::array<int, 41> Op{};
+    std::array<float, 41> X{}, Y{};
+
+    bool operator==(const IconDef&) const = default;
+};
+
 struct Project {
     Header gen;
     std::vector<Line> lines;
@@ -475,6 +487,9 @@ struct Project {
     std::vector<Pseudo> pseudos;
     std::vector<PipeData> pipedata;
     ToolsState tools;
+    // Icons the user edited, by icon slot (kind and form); the others are the
+    // defaults. Not on file: a new project starts from the defaults.
+    std::map<int, IconDef> icons;
 
     int32_t color_normal = kColorNormal;
     int32_t color_selected = kColorSelected;

@@ -112,6 +112,13 @@ struct MenuCommands {
         reply["edit"] = {{"kind", kind_name(first.kind)}, {"index", first.index}};
     }
 
+    // The icon dialog of the first selected item's kind and form.
+    static void edit_icon(Session& s, Interaction& io, Json& reply) {
+        const int slot = selected_icon_slot(s.project_);
+        if (slot < 0) return io.tell("No equipment to edit.");
+        reply["edit"] = {{"kind", "Icon"}, {"index", slot}};
+    }
+
     // The fluid dialog of the first selected line.
     static void edit_fluid(Session& s, Interaction& io, const Json&, Json& reply) {
         for (std::size_t i = 1; i < s.project_.lines.size(); ++i)
@@ -329,10 +336,6 @@ struct MenuCommands {
         }
         reply["pipes"] = pipe_table_json(s.project_.pipedata);
     }
-
-    static void not_yet(Interaction& io, const std::string& what) {
-        io.tell(what + " is not in this build yet: edit the project file or use the velm command line.");
-    }
 };
 
 namespace {
@@ -406,8 +409,8 @@ const std::map<std::string, MenuCommands::Handler>& MenuCommands::table() {
         {"mnuEditLabelY", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
         {"mnuEditLabelN", VELM_CMD((void)io; (void)args; H::label(s, 0, reply))},
         {"mnuPopLabel", VELM_CMD((void)io; (void)args; H::label(s, -1, reply))},
-        {"mnuEditIkon", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The icon dialog"))},
-        {"mnuPopIkon", VELM_CMD((void)s; (void)args; (void)reply; H::not_yet(io, "The icon dialog"))},
+        {"mnuEditIkon", VELM_CMD((void)args; H::edit_icon(s, io, reply))},
+        {"mnuPopIkon", VELM_CMD((void)args; H::edit_icon(s, io, reply))},
         {"mnuPopCancel", VELM_CMD((void)s; (void)io; (void)args; (void)reply)},
         {"mnuEditUndo", VELM_CMD((void)io; (void)args; reply["changed"] = s.undo())},
         {"mnuEditRedo", VELM_CMD((void)io; (void)args; reply["changed"] = s.redo())},

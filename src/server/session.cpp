@@ -214,6 +214,7 @@ nlohmann::json Session::dialog(const std::string& kind, int index, const nlohman
                    : kind == "Pseudo" ? load_pseudo_dialog(project_, index)
                    : kind == "Phase"  ? load_phase_dialog(ctx, project_, dialog_units(units), index)
                    : kind == "Library" ? load_library_dialog(ctx, project_, index)
+                   : kind == "Icon"   ? load_icon_dialog(project_, index)
                                       : load_dialog(ctx, project_, dialog_units(units), kind, index);
     if (!d) return {{"message", "No equipment to edit."}};
     nlohmann::json j = dialog_json(*d);
@@ -284,6 +285,7 @@ nlohmann::json Session::apply_dialog_texts(Interaction& io, const std::string& k
     return apply_texts([&](RunContext& ctx) {
                            if (kind == "Symbol") return apply_symbol_dialog(project_, index, typed_texts(fields));
                            if (kind == "Pseudo") return apply_pseudo_dialog(ctx, project_, index, typed_texts(fields));
+                           if (kind == "Icon") return apply_icon_dialog(project_, index, typed_texts(fields));
                            return apply_dialog(ctx, project_, u, kind, index, typed_texts(fields));
                        },
                        [&] { return dialog(kind, index, units); });

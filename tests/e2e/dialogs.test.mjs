@@ -336,3 +336,20 @@ test("Options > Properties shows a library record by its labels and asks before 
   await page.keyboard.press("Escape");
   assert.deepEqual(errors, []);
 });
+
+test("Edit > Icon edits the table of the selected item's icon, and the sheet draws it", async () => {
+  const { page, server, errors } = await start("examples/pump_loop.vdf");
+  const pump = (await sheetJson(server)).items.find((i) => i.kind === "Pump");
+  const p = await at(page, ...spotOf(pump));
+  await page.mouse.click(p.x, p.y);
+  await menu(page, "mnuEditIkon");
+  await page.waitForSelector("#dialog[data-form=Icon]");
+  assert.equal(await field(page, "KIND").inputValue(), "Pump");
+  const x0 = Number(await field(page, "X0").inputValue());
+  await fill(page, "X0", String(x0 - 400));
+  await page.locator('#dialog button[data-answer="OK"]').click();
+  await page.waitForSelector("#modal", { state: "hidden" });
+  const after = (await sheetJson(server)).items.find((i) => i.kind === "Pump");
+  assert.equal(after.box[0], pump.box[0] - 400);
+  assert.deepEqual(errors, []);
+});
