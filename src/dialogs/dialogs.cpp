@@ -263,6 +263,12 @@ std::string convert_entry(RunContext& ctx, const std::string& text, std::string_
     }
 }
 
+const std::string& typed_text(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f) {
+    for (const auto& [name, text] : texts)
+        if (name == f.name) return text;
+    return f.text;
+}
+
 std::vector<std::string> equation_forms(std::string_view kind) {
     if (kind != "Line" && kind != "Feed" && kind != "Prod") return {};
     std::vector<std::string> forms = {

@@ -42,6 +42,9 @@ struct Dialog {
     std::vector<DialogField> fields;
 };
 
+// What an OK was given for a field: the text typed for its name, else its text on show.
+const std::string& typed_text(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f);
+
 // The dialog of record `index` (1..count) of `kind` ("Feed", "Prod", "Line", "Valve", "Check", "Pump", "Comp",
 // "FO", "HX", "Misc", "Expand", "Tee", "Junc", "Vessel"), texts on show in the display units `units`. Nothing
 // for an unknown kind or a record that does not exist.

@@ -69,12 +69,6 @@ const IconDef& icon_in_force(const Project& p, int slot, ItemKind kind, int form
     return it != p.icons.end() ? it->second : default_icon(kind, form).draw;
 }
 
-const std::string& typed(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f) {
-    for (const auto& [name, text] : texts)
-        if (name == f.name) return text;
-    return f.text;
-}
-
 }  // namespace
 
 int selected_icon_slot(const Project& p) {
@@ -122,9 +116,9 @@ std::string apply_icon_dialog(Project& p, int slot, const std::vector<std::pair<
     if (!d) return "No equipment to edit.";
     for (const DialogField& f : d->fields) {
         if (f.check.empty()) continue;
-        if (std::string says = CheckInput(f.check, "", typed(texts, f), p.gen.PATM); !says.empty()) return says;
+        if (std::string says = CheckInput(f.check, "", typed_text(texts, f), p.gen.PATM); !says.empty()) return says;
     }
-    if (key_of(typed(texts, d->fields[1])) == "YES") {
+    if (key_of(typed_text(texts, d->fields[1])) == "YES") {
         p.icons.erase(slot);
         return "";
     }
@@ -133,11 +127,11 @@ std::string apply_icon_dialog(Project& p, int slot, const std::vector<std::pair<
     for (int k = 0; k < kIconRows; ++k) {
         const auto i = static_cast<std::size_t>(k);
         const std::size_t at = 2 + 3 * i;
-        const int op = command_code(typed(texts, d->fields[at]));
-        if (op < 0) return "Row " + std::to_string(k) + ": no icon command " + trim(typed(texts, d->fields[at])) + ".";
+        const int op = command_code(typed_text(texts, d->fields[at]));
+        if (op < 0) return "Row " + std::to_string(k) + ": no icon command " + trim(typed_text(texts, d->fields[at])) + ".";
         icon.Op[i] = op;
-        icon.X[i] = static_cast<float>(read_display_number(trim(typed(texts, d->fields[at + 1]))));
-        icon.Y[i] = static_cast<float>(read_display_number(trim(typed(texts, d->fields[at + 2]))));
+        icon.X[i] = static_cast<float>(read_display_number(trim(typed_text(texts, d->fields[at + 1]))));
+        icon.Y[i] = static_cast<float>(read_display_number(trim(typed_text(texts, d->fields[at + 2]))));
         if (op != 0) icon.Count = k;
     }
     if (icon.Op[0] != kIconCorner || icon.Op[1] != kIconFrame)

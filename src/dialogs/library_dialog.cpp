@@ -78,13 +78,6 @@ DialogField entry(const char* name, const char* label, std::string text, bool re
     return f;
 }
 
-// What is typed for a field, or its text on show.
-const std::string& typed(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f) {
-    for (const auto& [name, text] : texts)
-        if (name == f.name) return text;
-    return f.text;
-}
-
 }  // namespace
 
 bool library_supported(const Project& p) {
@@ -125,7 +118,7 @@ std::string apply_library_dialog(RunContext& ctx, Interaction& io, const Project
     GetComp(ctx, lib, number, c);
     bool changed = false;
     for (const DialogField& f : d->fields) {
-        const std::string& text = typed(texts, f);
+        const std::string& text = typed_text(texts, f);
         if (f.readonly || f.name == "COMPONENT" || text == f.text) continue;
         changed = true;
         if (f.name == "Name") c.Name = trim(text).substr(0, 40);

@@ -45,12 +45,6 @@ DialogField entry(const char* name, const char* label, const char* unit, std::st
     return f;
 }
 
-std::string typed(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f) {
-    for (const auto& [n, t] : texts)
-        if (n == f.name) return t;
-    return f.text;
-}
-
 }  // namespace
 
 std::optional<Dialog> load_pseudo_dialog(const Project& p, int index) {
@@ -69,13 +63,13 @@ std::string apply_pseudo_dialog(RunContext& ctx, Project& p, int index,
     const auto d = load_pseudo_dialog(p, index);
     if (!d) return "No equipment to edit.";
     Pseudo s = p.pseudos[static_cast<std::size_t>(index)];
-    const std::string name = typed(texts, d->fields[0]);
+    const std::string name = typed_text(texts, d->fields[0]);
     for (std::size_t k = 0; k < 2; ++k)
-        if (std::string says = CheckInput("Text", "", typed(texts, d->fields[k])); !says.empty()) return says;
+        if (std::string says = CheckInput("Text", "", typed_text(texts, d->fields[k])); !says.empty()) return says;
     s.NAME_TEXT[1] = name;
-    s.FOR[1] = typed(texts, d->fields[1]);
+    s.FOR[1] = typed_text(texts, d->fields[1]);
     for (std::size_t k = 0; k < std::size(kEntries); ++k) {
-        const std::string text = trim(typed(texts, d->fields[k + 2]));
+        const std::string text = trim(typed_text(texts, d->fields[k + 2]));
         const auto v = parse_number(text);
         if (!text.empty() && (!v || !(*v >= 0.0) || !std::isfinite(*v)))
             return "Error during input checking. Invalid input= " + text + " .";

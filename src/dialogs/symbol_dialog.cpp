@@ -25,13 +25,6 @@ DialogField symbol_field(const char* name, const char* label, const char* check,
     return f;
 }
 
-std::string typed(const std::vector<std::pair<std::string, std::string>>& texts, const std::string& name,
-                  const std::string& shown) {
-    for (const auto& [n, t] : texts)
-        if (n == name) return t;
-    return shown;
-}
-
 }  // namespace
 
 std::optional<Dialog> load_symbol_dialog(const Project& p, int index) {
@@ -48,10 +41,10 @@ std::optional<Dialog> load_symbol_dialog(const Project& p, int index) {
 std::string apply_symbol_dialog(Project& p, int index, const std::vector<std::pair<std::string, std::string>>& texts) {
     const auto d = load_symbol_dialog(p, index);
     if (!d) return "No equipment to edit.";
-    const std::string type = typed(texts, "TYPE", d->fields[0].text);
-    const std::string text = typed(texts, "TEXT", d->fields[1].text);
-    const std::string size = typed(texts, "FSIZ", d->fields[2].text);
-    const std::string pen = typed(texts, "STYLL", d->fields[3].text);
+    const std::string type = typed_text(texts, d->fields[0]);
+    const std::string text = typed_text(texts, d->fields[1]);
+    const std::string size = typed_text(texts, d->fields[2]);
+    const std::string pen = typed_text(texts, d->fields[3]);
     if (std::find(kShapes.begin(), kShapes.end(), type) == kShapes.end())
         return "Error during input checking. Invalid input= " + type + " .";
     if (std::string says = CheckInput("Text", "", text); !says.empty()) return says;

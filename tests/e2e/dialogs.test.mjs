@@ -21,10 +21,20 @@ function spotOf(item) {
   return [(item.box[0] + item.box[2]) / 2, (item.box[1] + item.box[3]) / 2];
 }
 
+// On a machine busy with other work the sheet may be redrawn between the two
+// clicks; the double click is then given once more.
 async function openDialogOf(page, item) {
-  const p = await at(page, ...spotOf(item));
-  await page.mouse.dblclick(p.x, p.y);
-  await page.waitForSelector("#dialog[data-kind=form]");
+  for (let attempt = 0; ; attempt++) {
+    const p = await at(page, ...spotOf(item));
+    await page.mouse.dblclick(p.x, p.y);
+    try {
+      await page.waitForSelector("#dialog[data-kind=form]", { timeout: attempt === 0 ? 10000 : 30000 });
+      return;
+    } catch (e) {
+      if (attempt > 0) throw e;
+      await idle(page);
+    }
+  }
 }
 
 const field = (page, name) => page.locator(`#dialog [data-field="${name}"]`);
