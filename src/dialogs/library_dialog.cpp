@@ -134,7 +134,7 @@ std::string apply_library_dialog(RunContext& ctx, Interaction& io, const Project
     }
     if (!changed) return "";
     if (io.ask("Update library with new value ?", {"Yes", "No"}) != 0) return "";
-    if (const std::string says = UpdateCompRecord(ctx, lib, c); !says.empty()) return "Error in updating props = " + says;
+    if (const std::string says = UpdateCompRecord(ctx, lib, number, c); !says.empty()) return "Error in updating props = " + says;
     return "";
 }
 

@@ -261,7 +261,7 @@ void encode_library_record(const CompProp& rec, std::string& bytes) {
     }
 }
 
-std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, const CompProp& rec) {
+std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, int record, const CompProp& rec) {
     std::size_t record_bytes = 0;
     const std::string_view file = engine_library(ctx, lib, record_bytes);
     if (file.empty()) return "Flash method does not support this operation.";
@@ -271,8 +271,8 @@ std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, const Comp
     if (!f) return not_found_text(file);
     f.seekg(0, std::ios::end);
     const auto size = static_cast<std::uint64_t>(std::max<std::streamoff>(f.tellg(), 0));
-    const std::uint64_t at = static_cast<std::uint64_t>(std::max(rec.Number, 1) - 1) * record_bytes;
-    if (rec.Number < 1 || at + record_bytes > size) return "63 : Bad record number";
+    const std::uint64_t at = static_cast<std::uint64_t>(std::max(record, 1) - 1) * record_bytes;
+    if (record < 1 || at + record_bytes > size) return "63 : Bad record number";
     std::string bytes(record_bytes, '\0');
     f.seekg(static_cast<std::streamoff>(at));
     f.read(bytes.data(), static_cast<std::streamsize>(record_bytes));

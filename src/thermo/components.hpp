@@ -60,9 +60,10 @@ bool decode_propa_record(std::string_view bytes, CompProp& rec);
 // other bytes stay.
 void encode_library_record(const CompProp& rec, std::string& bytes);
 
-// Writes rec over record rec.Number of the engine's library in lib.dir (the
-// built-in libraries cannot change). Returns "" or why it could not.
-std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, const CompProp& rec);
+// Writes rec over record `record` of the engine's library in lib.dir (the
+// built-in libraries cannot change). Returns "" or why it could not. Record
+// 1's Number is the count of records, not its own number.
+std::string UpdateCompRecord(RunContext& ctx, const CompLibrary& lib, int record, const CompProp& rec);
 
 // Component numbers ids[1..] up to the first 0 (ids[0] is not used).
 int CountComps(std::span<const int> ids);

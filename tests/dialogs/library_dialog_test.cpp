@@ -88,6 +88,18 @@ TEST_F(LibraryDialog, StoresAChangedFieldAfterYesAndInNoOtherByte) {
     EXPECT_EQ(text_of(*load_library_dialog(ctx, p, kWater), "TC"), "650");
 }
 
+// Record 1 holds the count of records in its Number: a change to it stays in record 1.
+TEST_F(LibraryDialog, TheFirstRecordIsWrittenInItsOwnPlace) {
+    const std::string before = file_bytes(dir / "propa.lib");
+    ui.default_answer = 0;
+    ASSERT_EQ(apply_library_dialog(ctx, ui, p, 1, {{"Formula", "XX"}}), "");
+    const std::string after = file_bytes(dir / "propa.lib");
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_NE(after.substr(0, kPropaRecordBytes), before.substr(0, kPropaRecordBytes));
+    EXPECT_EQ(after.substr(kPropaRecordBytes), before.substr(kPropaRecordBytes));
+    EXPECT_EQ(after.substr(0, 4), before.substr(0, 4));  // the count stays
+}
+
 TEST_F(LibraryDialog, RefusesWithItsWords) {
     struct Row {
         const char* what;
