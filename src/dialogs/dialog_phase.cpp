@@ -81,7 +81,7 @@ std::vector<FieldDef<R>> phase_fields() {
     end_fields<2>(f);
     f.tab("Composition");
     composition(f, std::make_index_sequence<kMaxComps>{});
-    f.result("TOTMW", "Molecular weight of the mixture", "", A(TOTMW));
+    f.number("TOTMW", "Molecular weight of the mixture", "Flow", "", A(TOTMW));
     return f.done();
 }
 
