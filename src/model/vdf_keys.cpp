@@ -386,9 +386,13 @@ public:
     void set_count(Project& p, int n) const override {
         auto& v = p.*vec_;
         if (v.empty()) v.resize(1);
+        if (grow_ == Grow::CopyTemplate) {
+            // Each record built once as a copy of the template.
+            const R templ = v[0];
+            v.assign(static_cast<std::size_t>(n) + 1, templ);
+            return;
+        }
         v.resize(static_cast<std::size_t>(n) + 1);
-        if (grow_ == Grow::CopyTemplate)
-            for (std::size_t i = 1; i < v.size(); ++i) v[i] = v[0];
     }
     bool knows(std::string_view key) const override { return keys_.knows(key); }
     std::vector<std::string_view> keys() const override { return keys_.names(); }
