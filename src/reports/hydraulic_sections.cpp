@@ -134,15 +134,15 @@ void profile_section(const HydrCase& c, RtfText& out) {
     };
     const HydrCase::Scale flow = c.scale("t/h", u.mass_flow), length = c.scale("m", u.length),
                           pressure = c.scale("kPag", u.pressure), drop = c.scale("kPa", dp);
-    std::vector<std::vector<std::string>> rows;
-    rows.reserve(c.p.lines.size());
+    // A row at a time: the table of a large network would hold a million cells.
+    write_table_head(out, cols);
     for (std::size_t i = 1; i < c.p.lines.size(); ++i) {
         const Line& l = c.p.lines[i];
-        rows.push_back({trim(l.NAME[1]), c.at_inlet[i], c.at_outlet[i], c.num(l.TFLOW.value, flow, 11),
-                        c.num(l.ELEV[1], length, 9), c.num(l.ELEV[2], length, 9), c.num(l.PRES[1], pressure, 11),
-                        c.num(l.PRES[2], pressure, 11), c.num(l.PRES[1] - l.PRES[2], drop, 10), c.temp(l.TEMP[3])});
+        write_table_row(out, cols,
+                        {trim(l.NAME[1]), c.at_inlet[i], c.at_outlet[i], c.num(l.TFLOW.value, flow, 11),
+                         c.num(l.ELEV[1], length, 9), c.num(l.ELEV[2], length, 9), c.num(l.PRES[1], pressure, 11),
+                         c.num(l.PRES[2], pressure, 11), c.num(l.PRES[1] - l.PRES[2], drop, 10), c.temp(l.TEMP[3])});
     }
-    write_table(out, cols, rows);
     out.line();
     out.line("From and To are the items at the drawn inlet and outlet; a negative flow runs from To to From.");
 }

@@ -101,24 +101,40 @@ bool RtfText::send() {
     return !failed_;
 }
 
-void write_table(RtfText& out, const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows) {
-    auto row_text = [&](auto cell_of) {
-        std::string s;
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (i > 0) s += ' ';
-            const Column& c = columns[i];
-            const std::string cell = cell_of(i);
-            s += c.left ? cell_left(cell, c.width) : cell_right(cell, c.width);
-        }
-        while (!s.empty() && s.back() == ' ') s.pop_back();
-        return s;
-    };
+namespace {
+
+// One line of a table: the cells in the order of the columns, one blank
+// between columns, blanks at the end cut.
+template <class CellOf>
+std::string table_line(const std::vector<Column>& columns, CellOf cell_of) {
+    std::string s;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (i > 0) s += ' ';
+        const Column& c = columns[i];
+        const std::string cell = cell_of(i);
+        s += c.left ? cell_left(cell, c.width) : cell_right(cell, c.width);
+    }
+    while (!s.empty() && s.back() == ' ') s.pop_back();
+    return s;
+}
+
+}  // namespace
+
+void write_table_head(RtfText& out, const std::vector<Column>& columns) {
     std::size_t total = 0;
     for (const Column& c : columns) total += c.width + 1;
-    out.line(row_text([&](std::size_t i) { return columns[i].title; }));
-    out.line(row_text([&](std::size_t i) { return columns[i].unit; }));
+    out.line(table_line(columns, [&](std::size_t i) { return columns[i].title; }));
+    out.line(table_line(columns, [&](std::size_t i) { return columns[i].unit; }));
     out.line(std::string(total > 0 ? total - 1 : 0, '-'));
-    for (const auto& r : rows) out.line(row_text([&](std::size_t i) { return i < r.size() ? r[i] : std::string(); }));
+}
+
+void write_table_row(RtfText& out, const std::vector<Column>& columns, const std::vector<std::string>& row) {
+    out.line(table_line(columns, [&](std::size_t i) { return i < row.size() ? row[i] : std::string(); }));
+}
+
+void write_table(RtfText& out, const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows) {
+    write_table_head(out, columns);
+    for (const auto& r : rows) write_table_row(out, columns, r);
 }
 
 }  // namespace velm

@@ -75,5 +75,9 @@ struct Column {
 // The two head lines of a table, a rule of "-" under them, then the rows;
 // the cells of a row in the order of the columns, one blank between columns.
 void write_table(RtfText& out, const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows);
+// The same in parts, for a table written a row at a time: the head lines
+// and the rule, then each row.
+void write_table_head(RtfText& out, const std::vector<Column>& columns);
+void write_table_row(RtfText& out, const std::vector<Column>& columns, const std::vector<std::string>& row);
 
 }  // namespace velm

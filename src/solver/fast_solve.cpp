@@ -371,9 +371,9 @@ int solve(const std::vector<double>& A, const std::vector<int>& JA, const std::v
         // With an order given KLU has no estimate of the factors and first
         // takes room for initmem times the entries of A in each of L and U
         // (ten by default: 44 MB for a 30,000-line grid whose factors hold
-        // 0.5 M entries). Network factors hold two to three times A's
-        // entries; KLU grows the room when they need more.
-        s.common.initmem = work.paired ? 3.0 : 10.0;
+        // 0.5 M entries). Network factors hold about two to three times
+        // A's entries each; KLU grows the room when they need more.
+        s.common.initmem = work.paired ? 2.0 : 10.0;
     }
     to_columns(s, n);
     if (fresh) {
