@@ -85,7 +85,7 @@ void configure(RunContext& ctx) {
 }
 
 // Flags of the third argument.
-constexpr int kEquipment = 1, kSparse = 2, kReference = 4, kNewton = 8;
+constexpr int kEquipment = 1, kSparse = 2, kReference = 4, kNewton = 8, kNoReport = 16;
 
 void BM_HydrSolve(benchmark::State& state) {
     RecordingInteraction ui;
@@ -119,8 +119,10 @@ void BM_RunToConvergence(benchmark::State& state) {
     const int flags = static_cast<int>(state.range(2));
     ctx.linear_solver = flags & kReference ? LinearSolver::Reference : LinearSolver::Klu;
     ctx.newton = (flags & kNewton) != 0;
-    const Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
-                               flags & kEquipment, flags & kSparse);
+    Project start = grid(ctx, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), flags & kEquipment,
+                         flags & kSparse);
+    // Report code -1: the solution alone, without the report's sections.
+    if (flags & kNoReport) start.gen.CASERPT = "-1";
     int iterations = 0;
     bool converged = false;
     for (auto _ : state) {
@@ -139,7 +141,7 @@ void BM_RunToConvergence(benchmark::State& state) {
 // About 1,000 lines (16 x 32 junctions) and 10,000 lines (50 x 100 junctions)
 // by the reference; with KLU also 100 x 100 and 200 x 200 junctions, full and
 // sparse. The third argument: 1 equipment, 2 sparse, 4 the reference solve,
-// 8 Newton steps.
+// 8 Newton steps, 16 no report sections (the solution to convergence alone).
 BENCHMARK(BM_HydrSolve)
     ->Args({16, 32, kReference})
     ->Args({16, 32, 0})
@@ -163,6 +165,9 @@ BENCHMARK(BM_RunToConvergence)
     ->Args({100, 100, kNewton})
     ->Args({100, 100, kSparse})
     ->Args({100, 100, kSparse | kNewton})
+    ->Args({100, 100, kSparse | kNoReport})
+    ->Args({100, 100, kSparse | kNewton | kNoReport})
+    ->Args({100, 100, kNewton | kNoReport})
     ->Args({200, 200, kNewton})
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);

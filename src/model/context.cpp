@@ -20,7 +20,7 @@ void RunContext::log_error(const std::string& text) {
     run_log_text.clear();
 }
 
-bool RunContext::append_run_file(const std::string& name, const std::string& text) {
+bool RunContext::append_run_file(const std::string& name, std::string_view text) {
     const bool ok = append_text(run_file(name), text);
     if (!ok && write_error.empty()) write_error = run_file(name).string();
     return ok;
@@ -46,7 +46,7 @@ std::string RunContext::log_line() {
     return shown;
 }
 
-bool append_text(const std::filesystem::path& file, const std::string& text) {
+bool append_text(const std::filesystem::path& file, std::string_view text) {
     std::error_code ec;
     if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path(), ec);
     std::ofstream out(file, std::ios::binary | std::ios::app);

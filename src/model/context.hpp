@@ -10,6 +10,7 @@
 #include <atomic>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velm {
@@ -95,12 +96,12 @@ struct RunContext {
     std::filesystem::path run_file(const std::string& name) const { return data_dir / name; }
     // Appends text to the run file of that name; a failure is kept in
     // write_error (the first one) for the caller of the run to report.
-    bool append_run_file(const std::string& name, const std::string& text);
+    bool append_run_file(const std::string& name, std::string_view text);
     std::string write_error;  // the run file that could not be written, or ""
 };
 
 // Creates the directory if missing, opens the file for appending and writes
 // the text as it stands. Returns false when the file cannot be written.
-bool append_text(const std::filesystem::path& file, const std::string& text);
+bool append_text(const std::filesystem::path& file, std::string_view text);
 
 }  // namespace velm

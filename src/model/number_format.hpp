@@ -16,6 +16,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,8 +27,29 @@ namespace velm {
 inline constexpr char kDisplayDecimalPoint = '.';
 inline constexpr char kDisplayThousandsSeparator = ',';
 
+// A pattern taken apart once, for formatting many numbers by it.
+struct NumberPattern {
+    explicit NumberPattern(std::string_view pattern);
+    std::string prefix, suffix;  // text before and after the digits
+    int int_min = 0;             // integer digits always shown
+    bool grouped = false;        // thousands separators in the integer part
+    int frac_min = 0;            // decimals always shown
+    int frac_max = 0;            // decimals at most
+    bool scientific = false;
+    char e_letter = 'E';
+    bool exp_plus = false;       // "E+": sign of the exponent always shown
+    int exp_digits = 0;          // width of the exponent, zero padded
+};
+
 // The value formatted by the pattern.
 std::string format_number(double value, std::string_view pattern);
+std::string format_number(double value, const NumberPattern& pattern);
+
+// The value by the first of the patterns whose text is at most width
+// characters long, else by the last pattern whatever its length: what
+// format_number gives for that pattern, the digits found only once.
+std::string format_number_to_fit(double value, std::span<const NumberPattern> patterns, const NumberPattern& last,
+                                 std::size_t width);
 
 // A number typed in the display locale: thousands separators are ignored, the
 // display decimal point is the decimal point; nothing when the text is not a

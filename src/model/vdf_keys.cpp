@@ -330,7 +330,14 @@ using namespace vdf;
 template <class R>
 class KeyTable {
 public:
-    explicit KeyTable(std::vector<KeyDef<R>> keys) : keys_(std::move(keys)) {}
+    explicit KeyTable(std::vector<KeyDef<R>> keys) : keys_(std::move(keys)) {
+        for (const KeyDef<R>& k : keys_) names_.emplace_back(k.key);
+        for (const KeyDef<R>& k : keys_)
+            for (const Slot<R>& sl : k.slots)
+                if (sl.s && (sl.kind == Kind::Case || sl.kind == Kind::CaseMode)) case_slots_.push_back({k.key, &sl});
+    }
+    KeyTable(const KeyTable&) = delete;  // case_slots_ points into keys_ and names_ at their keys
+    KeyTable& operator=(const KeyTable&) = delete;
     bool knows(std::string_view key) const { return find(key) != nullptr; }
     std::vector<std::string_view> names() const {
         std::vector<std::string_view> out;
@@ -350,6 +357,14 @@ public:
             for (const Slot<R>& sl : k.slots)
                 if (sl.s) visit(k.key, sl.kind, *sl.s(r));
     }
+    // Visits each case string of the record (slots of kind Case and CaseMode),
+    // with its key: what each_text visits of those kinds, found without a
+    // walk through every key (the run's checks visit every record).
+    template <class F>
+    void each_case(const R& rec, F&& visit) const {
+        R& r = const_cast<R&>(rec);  // the accessors take a mutable record; only read here
+        for (const CaseSlot& c : case_slots_) visit(c.key, *c.slot->s(r));
+    }
     void write(LineWriter& lw, const R& rec) const {
         for (const KeyDef<R>& k : keys_) {
             if (!k.written) continue;
@@ -364,12 +379,20 @@ public:
     }
 
 private:
+    // Every line of a project file looks up its key here: the names are
+    // compared as views of known length.
     const KeyDef<R>* find(std::string_view key) const {
-        for (const auto& k : keys_)
-            if (key == k.key) return &k;
+        for (std::size_t i = 0; i < names_.size(); ++i)
+            if (names_[i] == key) return &keys_[i];
         return nullptr;
     }
     std::vector<KeyDef<R>> keys_;
+    std::vector<std::string_view> names_;  // the key of each entry of keys_
+    struct CaseSlot {
+        std::string_view key;
+        const Slot<R>* slot;
+    };
+    std::vector<CaseSlot> case_slots_;  // into keys_, which does not change after construction
 };
 
 // Sections of records.
@@ -386,9 +409,13 @@ public:
     void set_count(Project& p, int n) const override {
         auto& v = p.*vec_;
         if (v.empty()) v.resize(1);
+        if (grow_ == Grow::CopyTemplate) {
+            // Each record built once as a copy of the template.
+            const R templ = v[0];
+            v.assign(static_cast<std::size_t>(n) + 1, templ);
+            return;
+        }
         v.resize(static_cast<std::size_t>(n) + 1);
-        if (grow_ == Grow::CopyTemplate)
-            for (std::size_t i = 1; i < v.size(); ++i) v[i] = v[0];
     }
     bool knows(std::string_view key) const override { return keys_.knows(key); }
     std::vector<std::string_view> keys() const override { return keys_.names(); }
@@ -403,9 +430,7 @@ public:
         for (std::size_t i = 1; i < v.size(); ++i) {
             std::string_view tag;
             if constexpr (requires { v[i].NAME; }) tag = v[i].NAME[1];
-            keys_.each_text(v[i], [&](const char* key, Kind kind, const std::string& t) {
-                if (kind == Kind::Case || kind == Kind::CaseMode) visit(static_cast<int>(i), tag, key, t);
-            });
+            keys_.each_case(v[i], [&](std::string_view key, const std::string& t) { visit(static_cast<int>(i), tag, key, t); });
         }
     }
     void read_key(ReadState& st, Project& p, int index, std::string_view key) const override {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "model/context.hpp"
 #include "model/fault.hpp"
@@ -183,7 +184,9 @@ bool ReadVdf(RunContext& ctx, Project& project, const std::filesystem::path& fil
         ctx.ui.tell("Error reading file = 75 : Path/File access error. Press OK to clear.");
         return false;
     }
-    return read_vdf_text(ctx, project, bytes.str(), import, faults);
+    // The text moves out of the stream rather than being copied (a project
+    // of 80,000 lines is 22 MB).
+    return read_vdf_text(ctx, project, std::move(bytes).str(), import, faults);
 }
 
 }  // namespace velm

@@ -155,7 +155,10 @@ void WriteHydrReport(RunContext& ctx, const Project& p, int case_ix, const std::
     const int case_no = case_count_or_value(p.gen.CASENO, case_ix);
     const int mask = report_mask(p.gen, case_no);
     const HydrCase c(ctx, p, case_no, report_width(p.gen));
+    // The report goes to its file as it is written: that of a large network
+    // runs to tens of megabytes.
     RtfText out;
+    out.send_to([&](std::string_view text) { return ctx.append_run_file(file, text); });
     if (case_ix == 1) document_head(p.gen, out);
     Head head{p.gen, report_date(p.gen, local_now()), case_no, case_ix == 1};
 
@@ -180,7 +183,7 @@ void WriteHydrReport(RunContext& ctx, const Project& p, int case_ix, const std::
         ReportPageHead(out, head, "WARNINGS & ERRORS", "");
         warnings_section(ctx.case_warnings, out);
     }
-    if (!ctx.append_run_file(file, out.str()))
+    if (!out.send())
         ctx.log_error("Error! In WriteHydrReport = 75 : Path/File access error");
 }
 

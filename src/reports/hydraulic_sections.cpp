@@ -1,6 +1,7 @@
 #include "reports/hydraulic_sections.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 #include "model/context.hpp"
@@ -83,6 +84,28 @@ std::string HydrCase::num(double v, std::string_view from, std::string_view to, 
     return report_number(convert_value(ctx, v, from, to), w);
 }
 
+HydrCase::Scale HydrCase::scale(std::string_view from, std::string_view to) const {
+    Scale s{from, to};
+    // A known unit has its factor without side effects; an unknown one is
+    // logged by each conversion, which the slow path keeps.
+    s.known = is_known_unit(from) && is_known_unit(to);
+    if (s.known) {
+        s.from_factor = get_units(ctx, from);
+        s.to_factor = get_units(ctx, to);
+    }
+    return s;
+}
+
+std::string HydrCase::num(double v, const Scale& s, std::size_t w) const {
+    // convert_value's arithmetic; what it would fault on takes its own path.
+    if (s.known && s.from_factor != 0.0) {
+        const double scaled = v * s.to_factor;
+        if (std::isfinite(scaled) && std::isfinite(scaled / s.from_factor))
+            return report_number(scaled / s.from_factor, w);
+    }
+    return num(v, s.from, s.to, w);
+}
+
 std::string HydrCase::temp(double celsius, std::size_t w) const {
     return report_number(UnitsTFunc(ctx, celsius, "C", u.temperature), w);
 }
@@ -109,15 +132,17 @@ void profile_section(const HydrCase& c, RtfText& out) {
         {"P in", u.pressure, 11},         {"P out", u.pressure, 11},      {"dP", dp, 10},
         {"Temp", u.temperature, 8},
     };
-    std::vector<std::vector<std::string>> rows;
+    const HydrCase::Scale flow = c.scale("t/h", u.mass_flow), length = c.scale("m", u.length),
+                          pressure = c.scale("kPag", u.pressure), drop = c.scale("kPa", dp);
+    // A row at a time: the table of a large network would hold a million cells.
+    write_table_head(out, cols);
     for (std::size_t i = 1; i < c.p.lines.size(); ++i) {
         const Line& l = c.p.lines[i];
-        rows.push_back({trim(l.NAME[1]), c.at_inlet[i], c.at_outlet[i], c.num(l.TFLOW.value, "t/h", u.mass_flow, 11),
-                        c.num(l.ELEV[1], "m", u.length, 9), c.num(l.ELEV[2], "m", u.length, 9),
-                        c.num(l.PRES[1], "kPag", u.pressure, 11), c.num(l.PRES[2], "kPag", u.pressure, 11),
-                        c.num(l.PRES[1] - l.PRES[2], "kPa", dp, 10), c.temp(l.TEMP[3])});
+        write_table_row(out, cols,
+                        {trim(l.NAME[1]), c.at_inlet[i], c.at_outlet[i], c.num(l.TFLOW.value, flow, 11),
+                         c.num(l.ELEV[1], length, 9), c.num(l.ELEV[2], length, 9), c.num(l.PRES[1], pressure, 11),
+                         c.num(l.PRES[2], pressure, 11), c.num(l.PRES[1] - l.PRES[2], drop, 10), c.temp(l.TEMP[3])});
     }
-    write_table(out, cols, rows);
     out.line();
     out.line("From and To are the items at the drawn inlet and outlet; a negative flow runs from To to From.");
 }
@@ -127,8 +152,9 @@ void pipe_line_section(const HydrCase& c, RtfText& out) {
     const DisplayUnits& u = c.u;
     const std::string dp = difference_unit(u.pressure);
     using Cell = std::function<std::string(int, const Line&)>;
+    // The units of a column are looked up once (to names a unit of c.u or dp).
     auto num = [&](auto field, const char* from, const std::string& to) -> Cell {
-        return [&c, field, from, to](int, const Line& l) { return c.num(field(l), from, to, kCell); };
+        return [&c, field, s = c.scale(from, to)](int, const Line& l) { return c.num(field(l), s, kCell); };
     };
     auto plain = [&](auto field) -> Cell { return [&c, field](int, const Line& l) { return c.plain(field(l), kCell); }; };
     auto text = [](auto field) -> Cell {
@@ -191,13 +217,19 @@ void pipe_line_section(const HydrCase& c, RtfText& out) {
     // As many lines across as the page holds, each column headed by "| ".
     const int lines = count(c.p.lines);
     const int across = std::max(1, (c.width - static_cast<int>(kLabel)) / static_cast<int>(kCell + 2));
+    std::string s;
     for (int first = 1; first <= lines; first += across) {
         const int last = std::min(lines, first + across - 1);
         if (first > 1) out.line();
         for (const auto& [label, cell] : rows) {
-            std::string s = cell_left(label, kLabel);
-            for (int n = first; n <= last; ++n)
-                s += "| " + cell_left(cell(n, c.p.lines[static_cast<std::size_t>(n)]), kCell);
+            s = cell_left(label, kLabel);
+            for (int n = first; n <= last; ++n) {
+                const std::string v = cell(n, c.p.lines[static_cast<std::size_t>(n)]);
+                const std::size_t shown = std::min(v.size(), kCell);
+                s += "| ";
+                s.append(v, 0, shown);
+                s.append(kCell - shown, ' ');
+            }
             while (!s.empty() && s.back() == ' ') s.pop_back();
             out.line(s);
         }

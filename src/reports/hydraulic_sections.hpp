@@ -26,6 +26,16 @@ struct HydrCase {
 
     // A value in internal unit `from` shown in unit `to`, fitted to width.
     std::string num(double v, std::string_view from, std::string_view to, std::size_t w = 10) const;
+    // The factors of one conversion, looked up once for a column of values
+    // (the unit names must outlive it).
+    struct Scale {
+        std::string_view from, to;
+        double from_factor = 1.0, to_factor = 1.0;
+        bool known = false;  // both units known: the factors stand for them
+    };
+    Scale scale(std::string_view from, std::string_view to) const;
+    // As num(v, from, to, w), the factors taken from the scale.
+    std::string num(double v, const Scale& s, std::size_t w = 10) const;
     std::string temp(double celsius, std::size_t w = 8) const;
     std::string plain(double v, std::size_t w = 10) const { return report_number(v, w); }
     // The name of line n, "-" when there is none.

@@ -18,6 +18,10 @@ namespace velm {
 // leaves the choice to the size (LinearSolver::Auto).
 inline constexpr int kFastSolveOrder = 400;
 
+// The largest componentwise backward error a fast solve accepts before it
+// factors again with safer pivots: a million times the rounding unit.
+inline constexpr double kFastSolveBackwardLimit = 1e-10;
+
 // The factorisation kept between solves: the symbolic analysis of the last
 // structure and the numeric factors of the last values.
 class FastSolveWork {
@@ -36,6 +40,7 @@ public:
     // of a network and the flow term of each line). 0 when nothing is known.
     int paired_rows = 0, paired_col = 0;
     int analyses = 0;       // symbolic analyses made, for tests and benchmarks
+    int safe_refactors = 0; // factorisations redone with safer pivots, for tests
     bool paired = false;    // whether the last analysis ordered by the pairing
     double factor_entries = 0;  // entries of L and U after the last factorisation
 };

@@ -29,7 +29,7 @@ bool is_line(const Project& p, int n) { return n >= 1 && n <= count(p.lines); }
 
 void copy_from_reference(Project& p, Line& line) {
     if (line.REFLINE <= 0 || !is_line(p, line.REFLINE)) return;
-    const Line ref = p.lines[static_cast<std::size_t>(line.REFLINE)];
+    const Line& ref = p.lines[static_cast<std::size_t>(line.REFLINE)];
     line.OUTIN = ref.OUTIN;
     for (std::size_t e : {1, 2}) {
         line.TEMP[e] = ref.TEMP[e];
@@ -163,7 +163,10 @@ void update_line(RunContext& ctx, Project& p, Line& l, int iter) {
     l.VEL[1] = velocity(ctx, l.TFLOW.value, l.TPROP[1], l.ID.value);
     l.VEL[2] = velocity(ctx, l.TFLOW.value, l.TPROP[2], l.ID.value);
     l.VEL[4] = pipe_sonic_velocity(ctx, p.gen.MSONIC, l);
-    line_fittings(ctx, p.gen, l);
+    // The Crane sums of the fittings depend on the fittings table alone,
+    // which a run does not change: found on the first pass of each case.
+    // The 2K method depends on the Reynolds number and the bore.
+    if (iter == 1 || p.gen.MFIT == "2K") line_fittings(ctx, p.gen, l);
 }
 
 }  // namespace

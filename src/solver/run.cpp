@@ -149,6 +149,9 @@ void run_cases(RunContext& ctx, Project& p, BalanceState* balance, RunResult& re
             return;
         }
         HydrResulFinalSub(ctx, p, case_no);
+        // The system of the last case is not needed for its report: its
+        // room (the factors of a large network) goes back first.
+        if (ix == ncase) net = Network();
         const std::string n = std::to_string(cr.iterations);
         if (cr.converged) {
             title = "Runlog - " + c + "solution reached after " + n + " iterations.";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 #include "model/context.hpp"
 #include "model/fault.hpp"
@@ -31,12 +32,13 @@ struct Writeback {
     double at(int col) const { return x[static_cast<std::size_t>(col)]; }
 
     // A pressure below absolute zero comes back as one atmosphere and is flagged.
+    // The message: words, the kind of item when given, the number.
     template <class R>
-    void floor(double& P, R& rec, const std::string& words, int number) {
+    void floor(double& P, R& rec, std::string_view words, int number, std::string_view kind = {}) {
         if (P >= -p.gen.PATM) return;
         P = reset;
         rec.COLOR = p.color_error;
-        ctx.log_error(words + std::to_string(number) + " below zero abs. Reset.");
+        ctx.log_error(std::string(words) + std::string(kind) + std::to_string(number) + " below zero abs. Reset.");
     }
 
     template <class R>
@@ -51,8 +53,8 @@ struct Writeback {
     void floor_two(std::vector<R>& v, const char* word) {
         for (int i = 1; i <= count(v); ++i) {
             if (v[i].COLOR == p.color_error) v[i].COLOR = p.color_normal;
-            floor(v[i].PIN.value, v[i], std::string("Error! Inlet pressure for ") + word, i);
-            floor(v[i].POUT.value, v[i], std::string("Error! Outlet pressure for ") + word, i);
+            floor(v[i].PIN.value, v[i], "Error! Inlet pressure for ", i, word);
+            floor(v[i].POUT.value, v[i], "Error! Outlet pressure for ", i, word);
         }
     }
 };

@@ -381,9 +381,11 @@ TEST(SparseSolver, FastSolveAgreesWithTheReference) {
 
 // The rows of a grid network as the network assembly writes them: a line row
 // P_from - P_to - K X = 0 for each line (rows first, the flow X of line l in
-// column l), then a flow balance at each node, X / |W| summed with the
-// demand as right side, except at the first node, whose pressure is fixed.
-Csr grid_network(int side, double K, std::vector<double>& b) {
+// column l, K of line l given), then a flow balance at each node, X / |W|
+// summed with the demand as right side, except at the first node, whose
+// pressure is fixed (1 / |W| of line l given).
+Csr grid_network(int side, const std::function<double(int)>& K_of, const std::function<double(int)>& w_of,
+                 std::vector<double>& b) {
     const int nodes = side * side;
     std::vector<std::pair<int, int>> lines;
     for (int r = 0; r < side; ++r)
@@ -395,7 +397,7 @@ Csr grid_network(int side, double K, std::vector<double>& b) {
     auto p_col = [nl](int node) { return nl + node + 1; };
     std::vector<Row> rows;
     for (int l = 0; l < nl; ++l)
-        rows.push_back({{p_col(lines[l].first), 1.0}, {p_col(lines[l].second), -1.0}, {l + 1, -K * (1.0 + 0.01 * l)}});
+        rows.push_back({{p_col(lines[l].first), 1.0}, {p_col(lines[l].second), -1.0}, {l + 1, -K_of(l)}});
     b.assign(1, 0.0);
     b.resize(static_cast<std::size_t>(nl) + 1, 0.0);
     for (int j = 0; j < nodes; ++j) {
@@ -405,7 +407,7 @@ Csr grid_network(int side, double K, std::vector<double>& b) {
             b.push_back(500.0);
         } else {
             for (int l = 0; l < nl; ++l) {
-                const double w = 1.0 / (20.0 + l % 7);  // 1 / |W| of the last step
+                const double w = w_of(l);  // 1 / |W| of the last step
                 if (lines[l].first == j) row.push_back({l + 1, -w});
                 if (lines[l].second == j) row.push_back({l + 1, w});
             }
@@ -427,7 +429,8 @@ TEST(SparseSolver, FastSolveOfPairedLineRowsAgreesAndFillsLess) {
     Fixture f;
     for (const auto& c : cases) {
         std::vector<double> b;
-        const Csr m = grid_network(c.side, c.K, b);
+        const Csr m = grid_network(
+            c.side, [&c](int l) { return c.K * (1.0 + 0.01 * l); }, [](int l) { return 1.0 / (20.0 + l % 7); }, b);
         const int nl = 2 * c.side * (c.side - 1);
         auto reference = b, paired_x = b, plain_x = b;
         ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, reference, m.n), kSolveOk);
@@ -444,6 +447,61 @@ TEST(SparseSolver, FastSolveOfPairedLineRowsAgreesAndFillsLess) {
         if (c.side >= 30) {
             EXPECT_LT(paired.factor_entries, 0.7 * plain.factor_entries) << c.K;
         }
+    }
+    EXPECT_TRUE(f.ui.told.empty());
+}
+
+// Networks whose lines differ as widely as a plant's may: lengths and bores
+// each from 1 mm to 1 km at random (K ~ L / D^5 then spans some 35 decades),
+// or from 0.1 to 10 m with some lines all but stopped (1 / |W| = 1e4 in their
+// balances). The fast solve keeps the paired pivots down to a small fraction
+// of their column for the sake of the fill; where that lets the error grow,
+// it must factor again with safer pivots and still give the reference
+// elimination's answer: a backward error at rounding level, the pressures to
+// 1e-9 of the largest, each line's flow term to 1e-6 of itself (these
+// systems are ill conditioned: the reference's own flows are no better).
+// Ordinary spreads keep the low-fill pivots.
+TEST(SparseSolver, FastSolveOfABadlyScaledNetworkAgreesWithTheReference) {
+    struct Case {
+        int side;
+        unsigned seed;
+        double decades;       // lengths and bores from 10^-decades to 10^decades m
+        double stopped;       // share of the lines nearly without flow
+        bool safer_pivots;    // whether the solve must factor again
+    };
+    const Case cases[] = {{15, 2u, 3.0, 0.0, true}, {25, 3u, 3.0, 0.0, true}, {15, 2u, 1.0, 0.02, false},
+                          {25, 3u, 1.0, 0.0, false}};
+    Fixture f;
+    for (const auto& c : cases) {
+        std::mt19937 gen(c.seed);
+        std::uniform_real_distribution<double> decade(-c.decades, c.decades), unit(0.0, 1.0);
+        const int nl = 2 * c.side * (c.side - 1);
+        std::vector<double> K(nl), w(nl);
+        for (int l = 0; l < nl; ++l) {
+            const double length = std::pow(10.0, decade(gen)), bore = std::pow(10.0, decade(gen));
+            K[l] = 0.02 * length / std::pow(bore, 5);
+            w[l] = unit(gen) < c.stopped ? 1e4 : 1.0 / std::pow(10.0, decade(gen));
+        }
+        std::vector<double> b;
+        const Csr m = grid_network(c.side, [&K](int l) { return K[l]; }, [&w](int l) { return w[l]; }, b);
+        auto reference = b, fast = b;
+        ASSERT_EQ(SolveMatrix(f.ctx, m.A, m.JA, m.IA, reference, m.n), kSolveOk);
+        FastSolveWork work;
+        work.paired_rows = nl;
+        work.paired_col = 0;
+        ASSERT_EQ(FastSolveMatrix(f.ctx, m.A, m.JA, m.IA, fast, m.n, work), kSolveOk);
+        ASSERT_TRUE(work.paired);
+        const std::string name = "side " + std::to_string(c.side) + ", seed " + std::to_string(c.seed);
+        EXPECT_EQ(work.safe_refactors > 0, c.safer_pivots) << name;
+        EXPECT_LT(relative_residual(m, fast, b), 1e-12) << name;
+        double largest_x = 0.0, largest_p = 0.0;
+        for (int k = 1; k <= nl; ++k) largest_x = std::max(largest_x, std::fabs(reference[k]));
+        for (int k = nl + 1; k <= m.n; ++k) largest_p = std::max(largest_p, std::fabs(reference[k]));
+        for (int k = 1; k <= nl; ++k)
+            ASSERT_NEAR(fast[k], reference[k], 1e-6 * std::max(std::fabs(reference[k]), 1e-12 * largest_x))
+                << name << ", flow term of line " << k;
+        for (int k = nl + 1; k <= m.n; ++k)
+            ASSERT_NEAR(fast[k], reference[k], 1e-9 * largest_p) << name << ", pressure " << k - nl;
     }
     EXPECT_TRUE(f.ui.told.empty());
 }
