@@ -60,16 +60,42 @@ void end_fields(Fields<R>& f) {
     at_end<&R::VAPCP, E>(f, "VAPCP", "Vapour heat capacity", "Flow", "=kJ/kg/K");
 }
 
-// Mole fraction of place N of the project's component list, as COMP0_N.
-template <int N>
-void composition_place(Fields<R>& f) {
+// A composition of the line and what each place of it is shown as: the
+// whole stream, or a phase at an end as the flash found it.
+struct CompositionKey {
+    const char* key;
+    const char* suffix;
+};
+constexpr CompositionKey kCompositions[] = {
+    {"COMP0", ""}, {"COMPIX0", ", liquid in"}, {"COMPIY0", ", vapour in"},
+    {"COMPOX0", ", liquid out"}, {"COMPOY0", ", vapour out"},
+};
+
+// Mole fraction of place N of the project's component list in the
+// composition Member, as KEY_N.
+template <auto Member, int N>
+void composition_place(Fields<R>& f, const char* key) {
     const std::string n = std::to_string(N);
-    f.number(("COMP0_" + n).c_str(), ("Component " + n).c_str(), "Ratio", "", +[](R& r) { return &r.COMP0[N]; });
+    f.number((std::string(key) + "_" + n).c_str(), ("Component " + n).c_str(), "Ratio", "",
+             +[](R& r) { return &(r.*Member)[N]; });
 }
 
-template <std::size_t... I>
-void composition(Fields<R>& f, std::index_sequence<I...>) {
-    (composition_place<static_cast<int>(I) + 1>(f), ...);
+template <auto Member, std::size_t... I>
+void composition(Fields<R>& f, const char* key, std::index_sequence<I...>) {
+    (composition_place<Member, static_cast<int>(I) + 1>(f, key), ...);
+}
+
+// A place of a composition is shown by its component's name, and not at all
+// beyond the project's components; any other field is shown as it is.
+bool shown_place(DialogField& f, const FlashSetup& setup) {
+    for (const CompositionKey& c : kCompositions) {
+        const std::string key = std::string(c.key) + "_";
+        if (f.name.rfind(key, 0) != 0) continue;
+        const auto place = static_cast<std::size_t>(std::stoi(f.name.substr(key.size())));
+        if (place > setup.count()) return false;
+        f.label = setup.comps[place].Name + c.suffix;
+    }
+    return true;
 }
 
 std::vector<FieldDef<R>> phase_fields() {
@@ -79,9 +105,15 @@ std::vector<FieldDef<R>> phase_fields() {
         .flag("OUTIN", "Outlet apart from inlet", A(OUTIN), "Select to hold outlet properties apart from inlet.");
     end_fields<1>(f);
     end_fields<2>(f);
+    constexpr auto places = std::make_index_sequence<kMaxComps>{};
     f.tab("Composition");
-    composition(f, std::make_index_sequence<kMaxComps>{});
+    composition<&R::COMP0>(f, "COMP0", places);
     f.number("TOTMW", "Molecular weight of the mixture", "Flow", "", A(TOTMW));
+    f.tab("Phases");
+    composition<&R::COMPIX0>(f, "COMPIX0", places);
+    composition<&R::COMPIY0>(f, "COMPIY0", places);
+    composition<&R::COMPOX0>(f, "COMPOX0", places);
+    composition<&R::COMPOY0>(f, "COMPOY0", places);
     return f.done();
 }
 
@@ -145,18 +177,12 @@ namespace velm {
 std::optional<Dialog> load_phase_dialog(RunContext& ctx, const Project& p, const DisplayUnits& units, int index) {
     std::optional<Dialog> d = load_dialog(ctx, p, units, "Phase", index);
     if (!d) return d;
-    // The composition shows the project's components by name, and no place beyond them.
+    // The compositions show the project's components by name, and no place beyond them.
     FlashSetup setup;
     LoadFlashSetup(ctx, p, library_dir_from_environment(), setup);
     std::vector<DialogField> kept;
-    for (DialogField& f : d->fields) {
-        if (f.name.rfind("COMP0_", 0) == 0) {
-            const auto place = static_cast<std::size_t>(std::stoi(f.name.substr(6)));
-            if (place > setup.count()) continue;
-            f.label = setup.comps[place].Name;
-        }
-        kept.push_back(std::move(f));
-    }
+    for (DialogField& f : d->fields)
+        if (dialog::shown_place(f, setup)) kept.push_back(std::move(f));
     d->fields = std::move(kept);
     return d;
 }

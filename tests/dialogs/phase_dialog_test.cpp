@@ -4,6 +4,7 @@
 // line as it was. Water at 25 C and 1 atm against IAPWS-IF97 (997.0 kg/m3).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -69,6 +70,14 @@ TEST_F(PhaseDialog, ShowsTheProjectsComponentsByNameAndNoOtherPlace) {
             EXPECT_EQ(f.label, "Water");
         }
     EXPECT_EQ(places, 1);
+    for (const DialogField& f : d->fields) {
+        if (f.name == "COMPOY0_1") {
+            EXPECT_EQ(f.label, "Water, vapour out");
+        }
+    }
+    EXPECT_EQ(std::count_if(d->fields.begin(), d->fields.end(),
+                            [](const DialogField& f) { return f.name.rfind("COMPIX0_", 0) == 0; }),
+              1);
     EXPECT_EQ(text_of(*d, "FT1"), "0 Temperature and pressure");
 }
 
@@ -152,6 +161,8 @@ TEST_F(PhaseDialog, ASolvedTemperatureComesBackAndOkWritesWhatTheFlashFound) {
         EXPECT_EQ(w.VAPZ[i], l.VAPZ[i]);
     }
     EXPECT_EQ(w.FT[1], 2);
+    EXPECT_EQ(p.lines[1].COMPOY0[1], 1.0);  // the phase compositions the flash found are kept too
+    EXPECT_EQ(w.COMPIX0[1], 1.0);
     EXPECT_NEAR(w.TOTMW, 18.015, 0.001);  // water
 }
 
