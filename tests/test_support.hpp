@@ -12,8 +12,18 @@
 
 #include "model/context.hpp"
 #include "model/records.hpp"
+#include "model/units.hpp"
 
 namespace velm {
+
+// The display units of a project in British units.
+inline DisplayUnits british_units() {
+    DisplayUnits u;
+    Header g;
+    g.UNITS = "British";
+    SetUnits(u, g);
+    return u;
+}
 
 // An empty directory under the system's temporary directory, named for the
 // test and this process, so that tests running side by side never share one.

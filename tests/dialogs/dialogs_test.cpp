@@ -16,6 +16,7 @@
 #include "model/project_file.hpp"
 #include "model/records.hpp"
 #include "model/text.hpp"
+#include "tests/test_support.hpp"
 
 namespace velm {
 namespace {
@@ -88,14 +89,6 @@ struct DialogsTest : ::testing::Test {
         p.hxs[1].Q = {"-1.5e6", -1.5e6};
     }
 
-    DisplayUnits british() const {
-        DisplayUnits u;
-        Header g;
-        g.UNITS = "British";
-        SetUnits(u, g);
-        return u;
-    }
-
     // The records of every kind with a dialog, compared whole.
     bool same_records(const Project& a, const Project& b) const {
         return a.lines == b.lines && a.feeds == b.feeds && a.prods == b.prods && a.valves == b.valves &&
@@ -106,7 +99,7 @@ struct DialogsTest : ::testing::Test {
 };
 
 TEST_F(DialogsTest, OkWithNothingChangedLeavesEveryKindAsItWas) {
-    for (const DisplayUnits& units : {metric, british()}) {
+    for (const DisplayUnits& units : {metric, british_units()}) {
         for (const char* kind : kKinds) {
             SCOPED_TRACE(std::string(kind) + " in " + units.set);
             const std::optional<Dialog> d = load_dialog(ctx, p, units, kind, 1);
@@ -241,7 +234,7 @@ TEST_F(DialogsTest, BadEntriesAreRefusedByCheckInputInDialogOrder) {
 TEST_F(DialogsTest, TypedTextsLandInInternalUnits) {
     DisplayUnits barg;
     barg.pressure = "barg";
-    const DisplayUnits uk = british();
+    const DisplayUnits uk = british_units();
     struct Row {
         DisplayUnits units;
         const char* kind;

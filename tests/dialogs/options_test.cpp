@@ -17,6 +17,7 @@
 #include "model/records.hpp"
 #include "model/settings.hpp"
 #include "model/text.hpp"
+#include "tests/test_support.hpp"
 #include "thermo/components.hpp"
 
 namespace velm {
@@ -66,14 +67,6 @@ struct OptionsTest : ::testing::Test {
         s.set("MethodFit", "2K");
     }
 
-    DisplayUnits british() const {
-        DisplayUnits u;
-        Header g;
-        g.UNITS = "British";
-        SetUnits(u, g);
-        return u;
-    }
-
     // The whole state an Options OK may touch.
     struct State {
         Project p;
@@ -96,7 +89,7 @@ struct OptionsTest : ::testing::Test {
 };
 
 TEST_F(OptionsTest, OkWithNothingChangedLeavesEverythingAsItWas) {
-    for (const DisplayUnits& units : {metric, british()}) {
+    for (const DisplayUnits& units : {metric, british_units()}) {
         for (const char* name : kOptions) {
             SCOPED_TRACE(std::string(name) + " in " + units.set);
             const std::optional<Dialog> d = load_options_dialog(ctx, p, s, units, name);
@@ -234,7 +227,7 @@ TEST_F(OptionsTest, GoodEntriesLandInTheHeaderAndTheSettings) {
         s.set("MethodFit", "2K");
         s.set("Units", "Metric");
         s.set("MaxIter", "37");
-        ASSERT_EQ(apply_options_dialog(ctx, p, s, row.british ? british() : metric, row.name, row.typed), "");
+        ASSERT_EQ(apply_options_dialog(ctx, p, s, row.british ? british_units() : metric, row.name, row.typed), "");
         row.expect(*this);
     }
 }

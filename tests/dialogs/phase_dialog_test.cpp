@@ -44,14 +44,6 @@ struct PhaseDialog : ::testing::Test {
         ctx.run_active = true;
     }
 
-    DisplayUnits british() const {
-        DisplayUnits u;
-        Header g;
-        g.UNITS = "British";
-        SetUnits(u, g);
-        return u;
-    }
-
     static std::string text_of(const Dialog& d, const std::string& name) {
         for (const DialogField& f : d.fields)
             if (f.name == name) return f.text;
@@ -106,7 +98,7 @@ TEST_F(PhaseDialog, FlashTakesTheTypedStateOrRefusesWithItsWords) {
         Project q = p;
         if (r.prepare) r.prepare(q);
         const Project before = q;
-        const DisplayUnits units = r.british ? british() : metric;
+        const DisplayUnits units = r.british ? british_units() : metric;
         const std::string says = flash_phase_dialog(ctx, q, units, 1, r.typed);
         EXPECT_EQ(says, r.says);
         if (!says.empty()) {
