@@ -89,19 +89,12 @@ using Comps = std::array<double, kMaxComps + 1>;  // mole fractions, 1..30
 
 struct Line : Drawn {
     int BEND = 0;
-    std::array<float, 27> XY{};  // as on the key line: [1],[2] zero, point i at [3+2i],[4+2i], [25],[26] old end point
-    std::string STRM;
-    int LOCK = 0;
+    // Read on every pass of the iteration: the stream's state and properties,
+    // the pipe and its results. Kept together so that a pass over the lines
+    // walks few cache lines of each record.
     std::array<double, 4> TEMP{}, PRES{}, LF{};  // inlet, outlet, average
     std::array<double, 3> H{}, S{};
     std::array<int, 3> FT{};
-    Pair Q;    // heat duty, kJ/h
-    Pair UI;   // U[1] specification, UI[2] value, W/m2/K
-    double TAMB = 0.0, TSUR = 0.0, QFAC = 0.0;
-    double QAIR2 = 0.0;                     // QAIR[2], air velocity
-    std::array<double, 3> QPIP{};           // [1] emissivity, [2] wall conductivity
-    std::array<double, 4> QINS{};           // [1] thickness, [3] conductivity
-    Comps COMP0{}, COMPIX0{}, COMPIY0{}, COMPOX0{}, COMPOY0{};
     int REFLINE = 0;
     int OUTIN = 0;
     std::array<double, 3> LVFLOW{};         // [1] liquid, [2] vapour flow
@@ -122,7 +115,6 @@ struct Line : Drawn {
     std::array<double, 3> ODF{};            // [2] outside diameter
     double LEN = 0.0, EQLEN = 0.0;
     double FITK = 0.0, FITLD = 0.0;
-    std::array<Fitting, kFittings + 1> FIT; // FIT1..FIT11
     double SELEV = 0.0, DPELEV = 0.0;
     std::array<double, 3> ELEV{};           // inlet, outlet elevation
     double FAC = 0.0;
@@ -134,16 +126,30 @@ struct Line : Drawn {
     double DPL = 0.0;                       // DPL[1], kPa/100m
     std::array<double, 5> VEL{};            // [1..3] velocities, [4] sonic
     double HUP = 0.0;
-    std::array<std::string, 4> REG;
-    std::array<std::string, 3> REGA;
     std::string MTP;
     std::array<double, 3> DUK{};
     std::array<double, 8> LM{};
     Equation EQN;
+    double DPACC = 0.0;                     // not on file: acceleration pressure drop, kPa
+
+    // Read by the drawing, the heat and mole balance, once a case (the
+    // fittings table) or in the final results (the regimes).
+    std::array<float, 27> XY{};  // as on the key line: [1],[2] zero, point i at [3+2i],[4+2i], [25],[26] old end point
+    std::string STRM;
+    int LOCK = 0;
+    Pair Q;    // heat duty, kJ/h
+    Pair UI;   // U[1] specification, UI[2] value, W/m2/K
+    double TAMB = 0.0, TSUR = 0.0, QFAC = 0.0;
+    double QAIR2 = 0.0;                     // QAIR[2], air velocity
+    std::array<double, 3> QPIP{};           // [1] emissivity, [2] wall conductivity
+    std::array<double, 4> QINS{};           // [1] thickness, [3] conductivity
+    Comps COMP0{}, COMPIX0{}, COMPIY0{}, COMPOX0{}, COMPOY0{};
+    std::array<Fitting, kFittings + 1> FIT; // FIT1..FIT11
+    std::array<std::string, 4> REG;
+    std::array<std::string, 3> REGA;
     std::array<std::string, kLinkedFiles + 1> FILES;
 
     // Not on file.
-    double DPACC = 0.0;
     std::string SizeUp, SizeDown;
     double dPUp = 0.0, VelUp = 0.0, dPDown = 0.0, VelDown = 0.0;
     int ConIn = 0, ConOut = 0;
