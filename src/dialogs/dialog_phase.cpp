@@ -2,6 +2,7 @@
 // type of each end, the phase properties of each end and the composition;
 // and its Flash command, which flashes the ends as typed with the project's
 // engine and shows what the flash found, for OK to keep.
+#include <charconv>
 #include <string>
 #include <utility>
 
@@ -91,8 +92,9 @@ bool shown_place(DialogField& f, const FlashSetup& setup) {
     for (const CompositionKey& c : kCompositions) {
         const std::string key = std::string(c.key) + "_";
         if (f.name.rfind(key, 0) != 0) continue;
-        const auto place = static_cast<std::size_t>(std::stoi(f.name.substr(key.size())));
-        if (place > setup.count()) return false;
+        std::size_t place = 0;
+        std::from_chars(f.name.data() + key.size(), f.name.data() + f.name.size(), place);
+        if (place < 1 || place > setup.count()) return false;
         f.label = setup.comps[place].Name + c.suffix;
     }
     return true;

@@ -263,6 +263,15 @@ std::string convert_entry(RunContext& ctx, const std::string& text, std::string_
     }
 }
 
+DialogField plain_field(std::string name, std::string label, std::string tab, std::string text) {
+    DialogField f;
+    f.name = std::move(name);
+    f.label = std::move(label);
+    f.tab = std::move(tab);
+    f.text = std::move(text);
+    return f;
+}
+
 const std::string& typed_text(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f) {
     for (const auto& [name, text] : texts)
         if (name == f.name) return text;

@@ -42,6 +42,10 @@ struct Dialog {
     std::vector<DialogField> fields;
 };
 
+// A field of a dialog with no record table behind it (a drawing object, a
+// pseudo component, a library record, an icon): name, label, tab and text on show.
+DialogField plain_field(std::string name, std::string label, std::string tab, std::string text);
+
 // What an OK was given for a field: the text typed for its name, else its text on show.
 const std::string& typed_text(const std::vector<std::pair<std::string, std::string>>& texts, const DialogField& f);
 

@@ -16,18 +16,31 @@ namespace {
 constexpr int kIconRows = 41;
 constexpr int kRowsPerTab = 10;
 
-// The commands of a table, shown with their codes first.
+// The commands of a table: the code and the text it is shown by.
+struct IconCommand {
+    int code;
+    const char* code_text;
+    const char* shown;
+};
+constexpr IconCommand kCommands[] = {
+    {kIconMove, "1", "1 Move"},          {kIconPoint, "2", "2 Point"},        {kIconLine, "3", "3 Line"},
+    {kIconBox, "4", "4 Box"},            {kIconCircle, "5", "5 Circle"},      {kIconArc, "6", "6 Arc"},
+    {kIconFilledBox, "8", "8 Filled box"}, {kIconWhiteBox, "9", "9 White box"}, {kIconCorner, "10", "10 Corner"},
+    {kIconFrame, "11", "11 Corner"},     {kIconRadius, "100", "100 Radius"},  {kIconAngles, "200", "200 Angles"},
+};
+
 const std::vector<std::string>& command_choices() {
-    static const std::vector<std::string> k = {"",          "1 Move",        "2 Point",      "3 Line",
-                                               "4 Box",     "5 Circle",      "6 Arc",        "8 Filled box",
-                                               "9 White box", "10 Corner",   "11 Corner",    "100 Radius",
-                                               "200 Angles"};
+    static const std::vector<std::string> k = [] {
+        std::vector<std::string> v = {""};
+        for (const IconCommand& c : kCommands) v.emplace_back(c.shown);
+        return v;
+    }();
     return k;
 }
 
 std::string command_text(int op) {
-    for (const std::string& c : command_choices())
-        if (!c.empty() && std::stoi(c) == op) return c;
+    for (const IconCommand& c : kCommands)
+        if (c.code == op) return c.shown;
     return op == 0 ? "" : std::to_string(op);
 }
 
@@ -36,8 +49,8 @@ std::string command_text(int op) {
 int command_code(const std::string& text) {
     const std::string t = trim(text);
     if (t.empty()) return 0;
-    for (const std::string& c : command_choices())
-        if (!c.empty() && (t == c || t == c.substr(0, c.find(' ')))) return std::stoi(c);
+    for (const IconCommand& c : kCommands)
+        if (t == c.shown || t == c.code_text) return c.code;
     return -1;
 }
 
@@ -55,20 +68,6 @@ std::string kind_title(ItemKind kind, int form) {
     return t;
 }
 
-DialogField field(std::string name, std::string label, std::string tab, std::string text) {
-    DialogField f;
-    f.name = std::move(name);
-    f.label = std::move(label);
-    f.tab = std::move(tab);
-    f.text = std::move(text);
-    return f;
-}
-
-const IconDef& icon_in_force(const Project& p, int slot, ItemKind kind, int form) {
-    const auto it = p.icons.find(slot);
-    return it != p.icons.end() ? it->second : default_icon(kind, form).draw;
-}
-
 }  // namespace
 
 int selected_icon_slot(const Project& p) {
@@ -84,12 +83,12 @@ std::optional<Dialog> load_icon_dialog(const Project& p, int slot) {
     ItemKind kind{};
     int form = 0;
     if (!icon_of_slot(slot, kind, form)) return std::nullopt;
-    const IconDef& icon = icon_in_force(p, slot, kind, form);
+    const IconDef& icon = icon_drawing(p, kind, form);
     Dialog d{.form = "Icon", .kind = "Icon", .index = slot, .fields = {}};
-    DialogField what = field("KIND", "Icon of", "General", kind_title(kind, form));
+    DialogField what = plain_field("KIND", "Icon of", "General", kind_title(kind, form));
     what.readonly = true;
     d.fields.push_back(std::move(what));
-    DialogField reset = field("DEFAULT", "Default icon", "General", "No");
+    DialogField reset = plain_field("DEFAULT", "Default icon", "General", "No");
     reset.choices = {"No", "Yes"};
     reset.hint = "Select Yes to draw the kind with its default icon again.";
     d.fields.push_back(std::move(reset));
@@ -97,12 +96,12 @@ std::optional<Dialog> load_icon_dialog(const Project& p, int slot) {
         const auto i = static_cast<std::size_t>(k);
         const bool used = k <= icon.Count;
         const std::string n = std::to_string(k), tab = tab_of(k);
-        DialogField op = field("OP" + n, "Row " + n, tab, used ? command_text(icon.Op[i]) : "");
+        DialogField op = plain_field("OP" + n, "Row " + n, tab, used ? command_text(icon.Op[i]) : "");
         op.choices = command_choices();
         op.hint = "Rows 0 and 1: corners of the icon's box (10, 11). 100: radius in X. 200: arc angles in radians.";
         d.fields.push_back(std::move(op));
-        DialogField x = field("X" + n, "X " + n, tab, used ? number_text(icon.X[i]) : "");
-        DialogField y = field("Y" + n, "Y " + n, tab, used ? number_text(icon.Y[i]) : "");
+        DialogField x = plain_field("X" + n, "X " + n, tab, used ? number_text(icon.X[i]) : "");
+        DialogField y = plain_field("Y" + n, "Y " + n, tab, used ? number_text(icon.Y[i]) : "");
         x.check = y.check = "Flow";
         x.unit = y.unit = "twips";
         d.fields.push_back(std::move(x));

@@ -68,12 +68,8 @@ CompLibrary library_of(const Project& p) {
 }
 
 DialogField entry(const char* name, const char* label, std::string text, bool readonly = false) {
-    DialogField f;
-    f.name = name;
-    f.label = label;
-    f.tab = "Record";
+    DialogField f = plain_field(name, label, "Record", std::move(text));
     f.hint = readonly ? "" : kStoreHint;
-    f.text = std::move(text);
     f.readonly = readonly;
     return f;
 }

@@ -33,14 +33,10 @@ constexpr PseudoEntry kEntries[] = {
 std::string shown(float v) { return v == 0.0f ? std::string() : single_text(v); }
 
 DialogField entry(const char* name, const char* label, const char* unit, std::string text, std::string calculated) {
-    DialogField f;
-    f.name = name;
-    f.label = label;
+    DialogField f = plain_field(name, label, "General", std::move(text));
     f.unit = unit;
-    f.tab = "General";
     f.hint = kPseudoPrompt;
     f.pair = !calculated.empty();
-    f.text = std::move(text);
     f.calculated = std::move(calculated);
     return f;
 }

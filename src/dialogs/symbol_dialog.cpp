@@ -15,12 +15,8 @@ const std::vector<std::string> kPens{"Solid", "Dotted"};
 
 DialogField symbol_field(const char* name, const char* label, const char* check, std::string text,
                          std::vector<std::string> choices = {}) {
-    DialogField f;
-    f.name = name;
-    f.label = label;
+    DialogField f = plain_field(name, label, "General", std::move(text));
     f.check = check;
-    f.tab = "General";
-    f.text = std::move(text);
     f.choices = std::move(choices);
     return f;
 }

@@ -264,12 +264,13 @@ int item_icon_slot(const Project& p, ItemRef r) { return icon_slot(r.kind, item_
 
 const Icon& item_icon(const Project& p, ItemRef r) { return default_icon(r.kind, item_form(p, r)); }
 
-const IconDef& item_drawing(const Project& p, ItemRef r) {
-    const int form = item_form(p, r);
+const IconDef& icon_drawing(const Project& p, ItemKind kind, int form) {
     if (!p.icons.empty())
-        if (const auto it = p.icons.find(icon_slot(r.kind, form)); it != p.icons.end()) return it->second;
-    return default_icon(r.kind, form).draw;
+        if (const auto it = p.icons.find(icon_slot(kind, form)); it != p.icons.end()) return it->second;
+    return default_icon(kind, form).draw;
 }
+
+const IconDef& item_drawing(const Project& p, ItemRef r) { return icon_drawing(p, r.kind, item_form(p, r)); }
 
 IconDef placed_icon(const Project& p, ItemRef r) {
     const Drawn* d = drawn(p, r);

@@ -28,6 +28,8 @@ const Icon& default_icon(ItemKind kind, int form);
 // icon of its kind and form; its drawing is the user's edit of it, if any.
 const Icon& item_icon(const Project& p, ItemRef r);
 const IconDef& item_drawing(const Project& p, ItemRef r);
+// The drawing of a kind and form in force: the project's edit, else the default.
+const IconDef& icon_drawing(const Project& p, ItemKind kind, int form);
 
 // The slot of a kind and form in Project::icons, and back (false for a number
 // that is no slot).

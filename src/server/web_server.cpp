@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -48,6 +49,13 @@ std::vector<int> answers_of(const Json& j) {
 
 float number_of(const Json& j, const char* key) {
     return j.contains(key) && j[key].is_number() ? j[key].get<float>() : 0.0f;
+}
+
+// The number of a route's (\d{1,9}) part: at most nine digits always fit an int.
+int index_of(const std::string& digits) {
+    int n = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), n);
+    return n;
 }
 
 bool flag_of(const Json& j, const char* key) { return j.contains(key) && j[key].is_boolean() && j[key].get<bool>(); }
@@ -149,13 +157,13 @@ void WebServer::routes() {
 
     s.Get(R"(/api/item/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
-        reply_json(res, session_.item_card(req.matches[1], std::stoi(req.matches[2])));
+        reply_json(res, session_.item_card(req.matches[1], index_of(req.matches[2])));
     });
 
     s.Get(R"(/api/dialog/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
         const Json units = Json::parse(req.get_param_value("units"), nullptr, false);
-        const Json d = session_.dialog(req.matches[1], std::stoi(req.matches[2]), units.is_discarded() ? Json{} : units);
+        const Json d = session_.dialog(req.matches[1], index_of(req.matches[2]), units.is_discarded() ? Json{} : units);
         reply_json(res, d, d.contains("fields") ? 200 : 404);
     });
 
@@ -166,7 +174,7 @@ void WebServer::routes() {
         RequestInteraction io(answers_of(in));
         Json d;
         try {
-            d = session_.apply_dialog_texts(io, req.matches[1], std::stoi(req.matches[2]),
+            d = session_.apply_dialog_texts(io, req.matches[1], index_of(req.matches[2]),
                                             in.value("fields", Json::object()), in.value("units", Json::object()));
         } catch (const NeedAnswer& q) {
             session_.undo_pending();
@@ -179,14 +187,14 @@ void WebServer::routes() {
         Json in;
         if (!body_json(req, res, in)) return;
         std::lock_guard<std::mutex> g(session_.lock);
-        const Json d = session_.phase_flash(std::stoi(req.matches[1]), in.value("fields", Json::object()),
+        const Json d = session_.phase_flash(index_of(req.matches[1]), in.value("fields", Json::object()),
                                             in.value("units", Json::object()));
         reply_json(res, d, d.contains("fields") ? 200 : 422);
     });
 
     s.Get(R"(/api/plot/([A-Za-z]+)/(\d{1,9}))", [this](const httplib::Request& req, httplib::Response& res) {
         std::lock_guard<std::mutex> g(session_.lock);
-        reply_json(res, session_.plot(req.matches[1], std::stoi(req.matches[2])));
+        reply_json(res, session_.plot(req.matches[1], index_of(req.matches[2])));
     });
 
     s.Get(R"(/api/options/(mnuOptions[A-Za-z]+))", [this](const httplib::Request& req, httplib::Response& res) {
@@ -298,7 +306,7 @@ void WebServer::routes() {
     s.Post(R"(/api/dialog/(Pump|Comp)/(\d{1,9})/typical-curve)", [this, interactive](const httplib::Request& req,
                                                                                     httplib::Response& res) {
         const std::string kind = req.matches[1];
-        const int index = std::stoi(req.matches[2]);
+        const int index = index_of(req.matches[2]);
         interactive(req, res, [this, kind, index](Interaction& io, const Json&) {
             return session_.typical_curve(io, kind, index);
         });
