@@ -98,10 +98,10 @@ std::optional<Dialog> load_library_dialog(RunContext& ctx, const Project& p, int
     d.fields.push_back(entry("Name", "Name", c.Name));
     d.fields.push_back(entry("Formula", "Formula", c.Formula));
     if (!full_record(p)) {
-        d.fields.push_back(entry("MW", "MW", number_text(c.MW)));
+        d.fields.push_back(entry("MW", "MW", single_text(c.MW)));
         return d;
     }
-    for (const LibraryEntry& e : kEntries) d.fields.push_back(entry(e.name, e.label, number_text(c.*e.field)));
+    for (const LibraryEntry& e : kEntries) d.fields.push_back(entry(e.name, e.label, single_text(c.*e.field)));
     return d;
 }
 

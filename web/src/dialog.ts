@@ -268,7 +268,7 @@ async function editDialog(url: string, plotUrl: string): Promise<boolean> {
     box.dataset.kind = "form";
     box.dataset.form = d.form;
     const title = document.createElement("h3");
-    title.textContent = d.kind === "Options" || d.kind === "Library" ? d.form : `${d.form} - ${d.kind} ${d.index}`;
+    title.textContent = ["Options", "Library", "Icon"].includes(d.kind) ? d.form : `${d.form} - ${d.kind} ${d.index}`;
     const help = document.createElement("div");
     help.className = "help";
     const inputs = new Map<string, HTMLInputElement | HTMLSelectElement>();
