@@ -91,7 +91,7 @@ std::size_t parse_prefix(std::string_view s, double& v) {
 }  // namespace
 
 std::optional<double> parse_number(std::string_view s) {
-    const std::string t = trim(s);
+    const std::string_view t = trim_view(s);
     if (t.empty()) return std::nullopt;
     double v = 0.0;
     if (parse_prefix(t, v) != t.size()) return std::nullopt;

@@ -1,5 +1,6 @@
 #include "solver/input_checks.hpp"
 
+#include <cctype>
 #include <cmath>
 
 #include "model/case_data.hpp"
@@ -11,6 +12,12 @@ namespace velm {
 
 namespace {
 
+bool is_case_letter(std::string_view entry) {
+    if (entry.size() != 1) return false;
+    const char c = static_cast<char>(std::toupper(static_cast<unsigned char>(entry[0])));
+    return c == 'C' || c == 'E' || c == 'V';
+}
+
 // Every entry of every case string of the records: empty, a letter C, E or
 // V, or a number.
 std::string check_case_strings(const Project& p) {
@@ -19,12 +26,12 @@ std::string check_case_strings(const Project& p) {
         s->each_case_text(p, [&](int index, std::string_view tag, std::string_view key, std::string_view text) {
             const int n = case_count(text);
             for (int i = 1; i <= n && msg.empty(); ++i) {
-                const std::string entry = upper(case_entry(text, i));
-                if (entry.empty() || entry == "C" || entry == "E" || entry == "V") continue;
+                const std::string_view entry = case_entry(text, i);
+                if (entry.empty() || is_case_letter(entry)) continue;
                 const auto v = parse_number(entry);
                 if (!v || !std::isfinite(*v))
                     msg = "Error! " + std::string(s->name()) + " " + std::to_string(index) + " " + shown_text(tag) +
-                          ", " + std::string(key) + " = \"" + shown_text(text) + "\": \"" + shown_text(entry) +
+                          ", " + std::string(key) + " = \"" + shown_text(text) + "\": \"" + shown_text(upper(entry)) +
                           "\" is not a number.";
             }
         });
