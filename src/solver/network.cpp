@@ -52,6 +52,47 @@ int structural_rows(const Project& p) {
 
 namespace {
 
+// Elevation that a line end takes from the equipment it sits on.
+double end_elevation(const Project& p, const LineEnd& e) {
+    const auto i = static_cast<std::size_t>(e.record);
+    const bool leaves = e.coef > 0;
+    switch (e.kind) {
+        case kFeedEnd: return p.feeds[i].ELEV + p.feeds[i].NOZ.NozHeight;
+        case kProdEnd: return p.prods[i].ELEV + p.prods[i].NOZ.NozHeight;
+        case kValveEnd: return p.valves[i].ELEV;
+        case kCheckEnd: return p.checks[i].ELEV;
+        case kPumpEnd: return p.pumps[i].ELEV;
+        case kCompEnd: return p.comps[i].ELEV;
+        case kHXEnd: return (leaves ? p.hxs[i].NOZO : p.hxs[i].NOZI).NozHeight;
+        case kFOEnd: return p.fos[i].ELEV;
+        case kMiscEnd: return (leaves ? p.miscs[i].NOZO : p.miscs[i].NOZI).NozHeight;
+        case kExpandEnd: return p.expands[i].ELEV;
+        case kTeeEnd: return p.tees[i].ELEV;
+        case kJuncEnd: return (leaves ? p.juncs[i].NOZO : p.juncs[i].NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
+        default: {
+            const Vessel& v = p.vessels[i];
+            return v.ELEV + (leaves ? v.NOZO : v.NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
+        }
+    }
+}
+
+// The lines of the junction and vessel balances, once per run: a large
+// network's rows are then built from a short list rather than the nozzles of
+// every record.
+void find_node_lines(const Project& p, Network& net) {
+    net.node_start.assign(1, 0);
+    net.node_lines.clear();
+    auto node = [&](const auto& n) {
+        for (int k = 1; k <= kNozzles; ++k) {
+            if (is_line(p, n.NOZI[k].CON)) net.node_lines.push_back(n.NOZI[k].CON);
+            if (is_line(p, n.NOZO[k].CON)) net.node_lines.push_back(-n.NOZO[k].CON);
+        }
+        net.node_start.push_back(static_cast<int>(net.node_lines.size()));
+    };
+    for (int i = 1; i <= count(p.juncs); ++i) node(p.juncs[i]);
+    for (int i = 1; i <= count(p.vessels); ++i) node(p.vessels[i]);
+}
+
 // The ends of every line, found by scanning the kinds in column order.
 void find_line_ends(const Project& p, Network& net) {
     const Columns& c = net.cols;
@@ -62,6 +103,7 @@ void find_line_ends(const Project& p, Network& net) {
     line_of.clear();
     auto add = [&](int line, LineEnd e) {
         if (!is_line(p, line)) return;
+        e.elevation = end_elevation(p, e);
         ends.push_back(e);
         line_of.push_back(line);
     };
@@ -111,31 +153,8 @@ void find_line_ends(const Project& p, Network& net) {
     std::vector<int> fill(net.end_start.begin(), net.end_start.end());
     for (std::size_t k = 0; k < ends.size(); ++k) sorted[static_cast<std::size_t>(fill[static_cast<std::size_t>(line_of[k])]++)] = ends[k];
     ends.swap(sorted);
+    find_node_lines(p, net);
     net.topology_ready = true;
-}
-
-// Elevation that a line end takes from the equipment it sits on.
-double end_elevation(const Project& p, const LineEnd& e) {
-    const auto i = static_cast<std::size_t>(e.record);
-    const bool leaves = e.coef > 0;
-    switch (e.kind) {
-        case kFeedEnd: return p.feeds[i].ELEV + p.feeds[i].NOZ.NozHeight;
-        case kProdEnd: return p.prods[i].ELEV + p.prods[i].NOZ.NozHeight;
-        case kValveEnd: return p.valves[i].ELEV;
-        case kCheckEnd: return p.checks[i].ELEV;
-        case kPumpEnd: return p.pumps[i].ELEV;
-        case kCompEnd: return p.comps[i].ELEV;
-        case kHXEnd: return (leaves ? p.hxs[i].NOZO : p.hxs[i].NOZI).NozHeight;
-        case kFOEnd: return p.fos[i].ELEV;
-        case kMiscEnd: return (leaves ? p.miscs[i].NOZO : p.miscs[i].NOZI).NozHeight;
-        case kExpandEnd: return p.expands[i].ELEV;
-        case kTeeEnd: return p.tees[i].ELEV;
-        case kJuncEnd: return (leaves ? p.juncs[i].NOZO : p.juncs[i].NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
-        default: {
-            const Vessel& v = p.vessels[i];
-            return v.ELEV + (leaves ? v.NOZO : v.NOZI)[static_cast<std::size_t>(e.port)].NozHeight;
-        }
-    }
 }
 
 // Line rows: P_up - P_down - (K + Knoz)*X = dP_elevation + level terms.
@@ -146,11 +165,12 @@ void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
         if (!rows.build) continue;
         Line& line = p.lines[i];
         const double W = line.TFLOW.value;
+        net.flow[static_cast<std::size_t>(i)] = W;
         double rhs_vess = 0.0, rhs_level = 0.0, knoz = 0.0;
         for (int k = net.end_start[static_cast<std::size_t>(i)]; k < net.end_start[static_cast<std::size_t>(i) + 1]; ++k) {
             const LineEnd& e = net.ends[static_cast<std::size_t>(k)];
             rows.add(e.coef, e.col);
-            line.ELEV[e.coef > 0 ? 1 : 2] = end_elevation(p, e);
+            line.ELEV[e.coef > 0 ? 1 : 2] = e.elevation;
             if (e.kind != kVesselEnd) continue;
             // A vessel nozzle adds its fixed loss, its static head and, when
             // the flow leaves the vessel through it, its entry loss.
@@ -173,8 +193,8 @@ void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
 }
 
 // Coefficient of a line's X in a node balance: W = X / |W|, or +-1 at zero flow.
-double node_coef(const Line& line) {
-    const double w = std::fabs(line.TFLOW.value);
+double node_coef(double W) {
+    const double w = std::fabs(W);
     return w == 0.0 ? 1.0 : 1.0 / w;
 }
 
@@ -192,19 +212,24 @@ struct Balance {
     void add(int line, double weight) {
         if (!is_line(p, line)) return;
         const Line& l = p.lines[static_cast<std::size_t>(line)];
-        rows.add(weight * node_coef(l), line_base + line);
-        imbalance += weight * l.TFLOW.value;
+        add_flow(l.TFLOW.value, weight, line);
+    }
+    void add_flow(double W, double weight, int line) {
+        rows.add(weight * node_coef(W), line_base + line);
+        imbalance += weight * W;
     }
     void close() {
         if (newton) rows.rhs(-imbalance);
     }
 };
 
-template <class Node>
-void node_balance(Balance& b, const Node& node) {
-    for (int n = 1; n <= kNozzles; ++n) {
-        b.add(node.NOZI[n].CON, 1.0);
-        b.add(node.NOZO[n].CON, -1.0);
+// The balance of node k of the node lists (a junction or a vessel).
+void node_balance(const Network& net, Balance& b, int k) {
+    if (!b.rows.build) return;
+    for (int j = net.node_start[static_cast<std::size_t>(k)]; j < net.node_start[static_cast<std::size_t>(k) + 1]; ++j) {
+        const int line = net.node_lines[static_cast<std::size_t>(j)];
+        const int l = std::abs(line);
+        b.add_flow(net.flow[static_cast<std::size_t>(l)], line > 0 ? 1.0 : -1.0, l);
     }
     b.close();
 }
@@ -245,16 +270,17 @@ void continuity_rows(const Project& p, Network& net, Rows& rows) {
         }
         b.close();
     }
-    for (int i = 1; i <= count(p.juncs); ++i) {
+    const int juncs = count(p.juncs);
+    for (int i = 1; i <= juncs; ++i) {
         rows.begin();
         Balance b{rows, p, lb, net.newton_on};
-        node_balance(b, p.juncs[i]);
+        node_balance(net, b, i - 1);
     }
     for (int i = 1; i <= count(p.expands); ++i) through(p.expands[i].CON[1], p.expands[i].CON[2]);
     for (int i = 1; i <= count(p.vessels); ++i) {
         rows.begin();
         Balance b{rows, p, lb, net.newton_on};
-        node_balance(b, p.vessels[i]);
+        node_balance(net, b, juncs + i - 1);
     }
 }
 
@@ -370,6 +396,7 @@ void Matrix_Setup(RunContext& ctx, Project& p, Network& net, int mode, int case_
             net.IA.assign(static_cast<std::size_t>(net.NumVars) + 2, 0);
             net.B.assign(static_cast<std::size_t>(net.NumVars) + 1, 0.0);
             net.entries = 0;
+            net.flow.resize(p.lines.size());
         }
         Rows rows{net, build};
         line_rows(ctx, p, net, rows);

@@ -38,6 +38,7 @@ struct LineEnd {
     int kind;          // what the end is, for elevations and nozzle terms
     int record;        // record number of the equipment
     int port;          // nozzle or side, where the kind has several
+    double elevation = 0.0;  // m, of the equipment at that end: fixed for a run
 };
 
 // Work arrays of the network, kept between iterations so that a solve does
@@ -53,6 +54,12 @@ struct Network {
     // ends[end_start[i] .. end_start[i+1]-1].
     std::vector<LineEnd> ends;
     std::vector<int> end_start;
+    // The lines of each junction's and vessel's balance (the junctions, then
+    // the vessels), in the order of the row's entries: those of node k are
+    // node_lines[node_start[k] .. node_start[k+1]-1], each a line number,
+    // negative where the line leaves the node.
+    std::vector<int> node_start, node_lines;
+    std::vector<double> flow;  // the flow of each line at this build, t/h
     bool topology_ready = false;  // the ends are found once per run: the drawing does not change during it
     SparseWork work;
     FastSolveWork fast;
