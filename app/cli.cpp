@@ -32,7 +32,7 @@ int cli_main(int argc, char** argv) {
         ->check(CLI::IsMember({"Homogeneous", "Dukler", "Lockhart-Martinelli", "Chisholm", "Chenoweth-Martin",
                                "Beggs-Brill"}));
     run_cmd->add_option("--solver", run.solver,
-                        "successive (the default) or newton: Newton steps on the continuity rows once flows settle")
+                        "successive (the default) or newton: Newton steps on every row from the second iteration")
         ->check(CLI::IsMember({"successive", "newton"}));
     run_cmd->add_option("--linear", run.linear, "auto (the default: KLU from 400 unknowns), klu or reference")
         ->check(CLI::IsMember({"auto", "klu", "reference"}));

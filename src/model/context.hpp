@@ -80,7 +80,7 @@ struct RunContext {
     int max_iter = 20;
     int run_mode = kRunHydraulics;
     LinearSolver linear_solver = LinearSolver::Auto;
-    bool newton = false;       // Newton steps on the continuity rows once the flows settle
+    bool newton = false;       // Newton steps on every row from the second solve of a case
     double soserror = 0.001;
     std::size_t max_project_bytes = kMaxProjectBytes;  // bounds the record counts a file may ask for
     std::filesystem::path data_dir = ".";  // where runlog.txt and the reports go

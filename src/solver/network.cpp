@@ -2,6 +2,8 @@
 
 #include "solver/rows.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "correlations/pipe.hpp"
@@ -157,6 +159,37 @@ void find_line_ends(const Project& p, Network& net) {
     net.topology_ready = true;
 }
 
+// What PipeDP leaves in a line besides its coefficient and changes with the flow.
+struct FrictionResults {
+    double RE, DPACC, HUP;
+    std::array<double, 3> F, DUK;
+    std::array<double, 8> LM;
+
+    explicit FrictionResults(const Line& l) : RE(l.RE), DPACC(l.DPACC), HUP(l.HUP), F(l.F), DUK(l.DUK), LM(l.LM) {}
+    void restore(Line& l) const {
+        l.RE = RE, l.DPACC = DPACC, l.HUP = HUP;
+        l.F = F, l.DUK = DUK, l.LM = LM;
+    }
+};
+
+// The flow exponent b = d ln K / d ln W of a line's coefficient K at its
+// present flow, by a relative step of the flow: -1 in laminar flow, about
+// -0.2 in turbulent flow, 0 in fully rough pipe. Kept within -1.5 and 2 so
+// that the linearised row keeps its sign. The line keeps the friction
+// results of its own flow.
+double flow_exponent(RunContext& ctx, const Header& g, Line& line, double K) {
+    constexpr double kStep = 1e-4;
+    const double W = line.TFLOW.value;
+    if (W == 0.0 || !(K > 0.0)) return 0.0;
+    const FrictionResults kept(line);
+    line.TFLOW.value = W * (1.0 + kStep);
+    const double K_step = PipeDP(ctx, g, line, line.ID.value, line.IDH.value, "W2");
+    line.TFLOW.value = W;
+    kept.restore(line);
+    if (!(K_step > 0.0)) return 0.0;
+    return std::clamp(std::log(K_step / K) / std::log1p(kStep), -1.5, 2.0);
+}
+
 // Line rows: P_up - P_down - (K + Knoz)*X = dP_elevation + level terms.
 void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
     const Columns& c = net.cols;
@@ -180,7 +213,11 @@ void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
             rhs_level += noz.dPLevel;
             if ((e.coef > 0) == (W >= 0)) knoz = noz.KFlow;
         }
-        rows.add(-(PipeDP(ctx, p.gen, line, line.ID.value, line.IDH.value, "W2") + knoz), c.line + i);
+        const double K = PipeDP(ctx, p.gen, line, line.ID.value, line.IDH.value, "W2");
+        // In a Newton step the row is K(W)W|W| linearised about the present
+        // flow: K (1 + b/2) X - (b/2) K W|W|, b = d ln K / d ln W.
+        const double slope = net.newton_on ? 1.0 + 0.5 * flow_exponent(ctx, p.gen, line, K) : 1.0;
+        rows.add(-(K * slope + knoz), c.line + i);
         line.DPELEV = (line.ELEV[2] - line.ELEV[1]) * line.TPROP[4] * 9.81 / 1000.0;
         if (line.LF[3] > 0.0 && line.LF[3] < 1.0) {
             // A two-phase line gets no static credit against its flow; the
@@ -188,7 +225,7 @@ void line_rows(RunContext& ctx, Project& p, Network& net, Rows& rows) {
             if (sgn(W) * sgn(line.DPELEV) < 0) line.DPELEV = 0.0;
             line.DPELEV += sgn(W) * line.SELEV * line.TPROP[4] * 9.81 / 1000.0;
         }
-        rows.rhs(rhs_vess + line.DPELEV + rhs_level);
+        rows.rhs(rhs_vess + line.DPELEV + rhs_level - (slope - 1.0) * K * W * std::fabs(W));
     }
 }
 

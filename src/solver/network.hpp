@@ -64,13 +64,14 @@ struct Network {
     SparseWork work;
     FastSolveWork fast;
     std::vector<double> last_rhs;  // the right-hand side of the last build (before solving)
-    // Newton steps on the continuity rows: on for the rest of a case once the
-    // largest relative change of a line flow in a step falls below kNewtonGate.
+    // Newton steps, when the run asks for them, from the second solve of a
+    // case: every row is then linear in the flows W about the present ones
+    // W0, with X standing for W0|W0| + 2|W0|(W - W0). The balances take
+    // X/|W0| with minus the present imbalance as right side, a line's row
+    // takes the change of its coefficient with the flow, and the new flow is
+    // (W0 + X/|W0|)/2, which the balances hold exactly.
     bool newton_on = false;
-    double flow_change = 1.0;
 };
-
-inline constexpr double kNewtonGate = 0.5;
 
 // Builds the rows of the network for a case (mode 1), or only counts them
 // (mode 0). Sets NumVars and NumSpecs.

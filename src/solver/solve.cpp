@@ -59,18 +59,22 @@ struct Writeback {
     }
 };
 
-void take_flows(Project& p, Network& net, const std::vector<double>& x, double& err) {
+// The flow a solution gives a line: the root of X, or after a Newton step
+// the linearised flow (W0 + X/|W0|)/2 (at zero flow there is no slope to
+// linearise about, and the root stands).
+double new_flow(double W0, double X, bool newton) {
+    if (newton && W0 != 0.0) return 0.5 * (W0 + X / std::fabs(W0));
+    return sgn(X) * std::sqrt(std::fabs(X));
+}
+
+void take_flows(Project& p, const Network& net, const std::vector<double>& x, double& err) {
     const double damping = p.gen.MHDAMP;
-    net.flow_change = 0.0;
     for (int i = 1; i <= count(p.lines); ++i) {
         Line& line = p.lines[i];
-        const double xi = x[static_cast<std::size_t>(net.cols.line + i)];
-        const double wc = sgn(xi) * std::sqrt(std::fabs(xi));
         double& W = line.TFLOW.value;
+        const double wc = new_flow(W, x[static_cast<std::size_t>(net.cols.line + i)], net.newton_on);
         // A flow error weighs ten times a pressure error; the sum takes the undamped step.
         err += 10.0 * std::fabs(W - wc);
-        const double scale = std::max(std::fabs(W), std::fabs(wc));
-        if (scale > 0.0) net.flow_change = std::max(net.flow_change, std::fabs(W - wc) / scale);
         W += (wc - W) * damping;
         line.LVFLOW[1] = line.LF[3] * W;
         line.LVFLOW[2] = (1.0 - line.LF[3]) * W;
@@ -255,7 +259,7 @@ int Hydr_Solve(RunContext& ctx, Project& p, Network& net, double& err, int case_
         if (status != 0) return status;
         Writeback wb{ctx, p, net.B, err, 101.325 - p.gen.PATM};
         take_flows(p, net, net.B, err);
-        if (ctx.newton && net.flow_change < kNewtonGate) net.newton_on = true;
+        net.newton_on = ctx.newton;
         take_pressures(wb, net.cols);
         floor_pressures(wb);
         push_pressures(wb);
