@@ -57,23 +57,33 @@ double ID_from_Flow(RunContext& ctx, const Project& p, Line& l) {
     });
 }
 
-void pipe_size_neighbours(RunContext& ctx, const Project& p, Line& l) {
+void pipe_size_neighbours(RunContext& ctx, const Project& p, Line& l, SizeNeighbours* last) {
     l.SizeUp.clear();
     l.SizeDown.clear();
     l.dPUp = l.VelUp = l.dPDown = l.VelDown = 0.0;
     if (l.SCH.empty() || l.SCH == "ID") return;
-    auto neighbour = [&](double from, const char* direction, bool report, std::string& size, double& dp, double& vel) {
-        size = pipe_Dia_from_ID(ctx, p.pipedata, l.MAT, from, l.SCH, "m", direction, report);
-        const double id = size.empty() ? 0.0 : pipe_ID_from_dia(ctx, p.pipedata, "ID", l.MAT, size, l.SCH, "m");
-        if (id == 0.0) {
-            size.clear();
-            return;
-        }
+    auto flow_at = [&](double id, double& dp, double& vel) {
         dp = PipeDP(ctx, p.gen, l, id, id, "dP100");
         vel = velocity(ctx, l.TFLOW.value, l.TPROP[3], id);
     };
-    neighbour(1.01 * l.ID.value, "Larger", false, l.SizeUp, l.dPUp, l.VelUp);
-    neighbour(0.99 * l.ID.value, "Smaller", true, l.SizeDown, l.dPDown, l.VelDown);
+    if (last != nullptr && last->id == l.ID.value && last->mat == l.MAT && last->sch == l.SCH) {
+        l.SizeUp = last->up;
+        l.SizeDown = last->down;
+        flow_at(last->id_up, l.dPUp, l.VelUp);
+        flow_at(last->id_down, l.dPDown, l.VelDown);
+        return;
+    }
+    auto neighbour = [&](double from, const char* direction, bool report, std::string& size) {
+        size = pipe_Dia_from_ID(ctx, p.pipedata, l.MAT, from, l.SCH, "m", direction, report);
+        const double id = size.empty() ? 0.0 : pipe_ID_from_dia(ctx, p.pipedata, "ID", l.MAT, size, l.SCH, "m");
+        if (id == 0.0) size.clear();
+        return id;
+    };
+    const double id_up = neighbour(1.01 * l.ID.value, "Larger", false, l.SizeUp);
+    if (id_up != 0.0) flow_at(id_up, l.dPUp, l.VelUp);
+    const double id_down = neighbour(0.99 * l.ID.value, "Smaller", true, l.SizeDown);
+    if (id_down != 0.0) flow_at(id_down, l.dPDown, l.VelDown);
+    if (last != nullptr && id_up != 0.0 && id_down != 0.0) *last = {l.MAT, l.SCH, l.ID.value, l.SizeUp, l.SizeDown, id_up, id_down};
 }
 
 void pipe_set_dia(Project& p, bool set) {
