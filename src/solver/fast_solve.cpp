@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "model/fault.hpp"
 #include "solver/sparse.hpp"
@@ -266,14 +267,19 @@ double residual_of(const std::vector<double>& B, int n, FastSolveWork::State& s,
     return largest;
 }
 
+// A componentwise backward error this small is rounding alone: a
+// refinement step cannot make the solution the exact one of a nearer system.
+constexpr double kRoundingBackward = 2.0 * std::numeric_limits<double>::epsilon();
+
 // Iterative refinement (Wilkinson): the residual of the solution in s.rhs is
-// solved for with the same factors and added, while that shrinks it, at most
-// three times. Returns the backward error of the solution kept.
+// solved for with the same factors and added, while that shrinks it and the
+// backward error is above rounding, at most three times. Returns the
+// backward error of the solution kept.
 double refine(const std::vector<double>& B, int n, FastSolveWork::State& s) {
     s.residual.resize(static_cast<std::size_t>(n));
     double backward = 0.0;
     double last = residual_of(B, n, s, &backward);
-    for (int step = 0; step < 3 && last > 0.0; ++step) {
+    for (int step = 0; step < 3 && last > 0.0 && backward > kRoundingBackward; ++step) {
         s.kept = s.rhs;
         if (klu_solve(s.symbolic, s.numeric, n, 1, s.residual.data(), &s.common) == 0) break;
         for (std::size_t k = 0; k < s.rhs.size(); ++k) s.rhs[k] += s.residual[k];
