@@ -122,11 +122,10 @@ PipeFriction line_friction(RunContext& ctx, const Line& line, double ID, double 
 }
 
 // The two-phase parameters (DUK, LM) are zeroed here and set afterwards by
-// the method that has them. MTP reuses its buffer: a short name fits in the
-// string itself, and a longer one allocates only the first time a line holds
-// it, not on every evaluation.
+// the method that has them. MTP is written only when the method changes: a
+// line keeps its method from one evaluation to the next.
 void store_pipe_results(Line& line, const char* method, const PipeFriction& fr, double dpacc, double hup) {
-    line.MTP = method;
+    if (line.MTP != method) line.MTP = method;
     line.RE = fr.re;
     line.F[1] = fr.f;
     line.F[2] = fr.fT;

@@ -430,7 +430,9 @@ public:
         for (std::size_t i = 1; i < v.size(); ++i) {
             std::string_view tag;
             if constexpr (requires { v[i].NAME; }) tag = v[i].NAME[1];
-            keys_.each_case(v[i], [&](std::string_view key, const std::string& t) { visit(static_cast<int>(i), tag, key, t); });
+            keys_.each_case(v[i], [&](std::string_view key, const std::string& t) {
+                if (!t.empty()) visit(static_cast<int>(i), tag, key, t);
+            });
         }
     }
     void read_key(ReadState& st, Project& p, int index, std::string_view key) const override {

@@ -72,7 +72,7 @@ struct KeyDef {
     bool written = true;  // false: a key of old files, read only
 };
 
-// Called for each case string of a record: its record number, its tag
+// Called for each case string of a record that holds text: its record number, its tag
 // (NAME[1], "" for a kind without one), the key of its line and its text.
 using CaseTextVisitor =
     std::function<void(int index, std::string_view tag, std::string_view key, std::string_view text)>;
@@ -93,7 +93,7 @@ public:
     virtual void write(ItemWriter& w, RunContext& ctx, const Project& p) const = 0;
     // Memory one more record of the section takes: its size and its template's texts.
     virtual std::size_t record_bytes(const Project&) const { return 0; }
-    // Visits the case strings of the records in use (1..N).
+    // Visits the case strings of the records in use (1..N) that are not empty.
     virtual void each_case_text(const Project&, const CaseTextVisitor&) const {}
 };
 
