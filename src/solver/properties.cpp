@@ -104,9 +104,18 @@ std::string start_size(const Project& p, const Line& l) {
     return p.lines[0].DIA[1];
 }
 
+// The inside and outside diameter (m) of the last line whose nominal size,
+// material and schedule the pipe table held: the lines of a network share a
+// few sizes, and the table is searched by name.
+struct LastBore {
+    std::string mat, size, sch;
+    double id = 0.0, od = 0.0;
+    bool matches(const Line& l) const { return id != 0.0 && size == l.DIA[2] && mat == l.MAT && sch == l.SCH; }
+};
+
 // Inside diameter: entered directly (schedule "ID"), from the nominal size and
 // schedule, or, when neither is given, sized for the line's limits.
-void diameter(RunContext& ctx, Project& p, Line& l, int iter) {
+void diameter(RunContext& ctx, Project& p, Line& l, int iter, LastBore& last) {
     const bool first = iter == 1 && !ctx.resume_run;
     if (l.SCH == "ID") {
         if (trim(l.ID.spec).empty()) {
@@ -132,8 +141,13 @@ void diameter(RunContext& ctx, Project& p, Line& l, int iter) {
             pipe_Dia_from_ID(ctx, p.pipedata, l.MAT, D, sch, "m", l.SIZ1 == "Min" ? "Smaller" : "Larger", true);
         if (!size.empty()) l.DIA[2] = size;
     }
-    const double id = pipe_ID_from_dia(ctx, p.pipedata, "ID", l.MAT, l.DIA[2], l.SCH, "m");
-    const double od = pipe_ID_from_dia(ctx, p.pipedata, "OD", l.MAT, l.DIA[2], l.SCH, "m");
+    double id = last.id, od = last.od;
+    if (!last.matches(l)) {
+        id = pipe_ID_from_dia(ctx, p.pipedata, "ID", l.MAT, l.DIA[2], l.SCH, "m");
+        od = pipe_ID_from_dia(ctx, p.pipedata, "OD", l.MAT, l.DIA[2], l.SCH, "m");
+        // Only a size the table holds is kept: a failed search tells its message for every line.
+        if (id != 0.0 && od != 0.0) last = {l.MAT, l.DIA[2], l.SCH, id, od};
+    }
     if (id != 0.0) l.ID.value = id;
     if (od != 0.0) l.ODF[2] = od;
     l.IDH.value = l.ID.value;
@@ -153,12 +167,12 @@ void static_head_density(RunContext& ctx, const Header& g, Line& l) {
     l.TPROP[4] = mix_by_fraction(Hl, l.VPROP[1], l.LPROP[1]);
 }
 
-void update_line(RunContext& ctx, Project& p, Line& l, int iter) {
+void update_line(RunContext& ctx, Project& p, Line& l, int iter, LastBore& last) {
     copy_from_reference(p, l);
     averages(l);
     densities(ctx, p.gen, l);
     conductivity(ctx, l);
-    diameter(ctx, p, l, iter);
+    diameter(ctx, p, l, iter, last);
     static_head_density(ctx, p.gen, l);
     l.VEL[1] = velocity(ctx, l.TFLOW.value, l.TPROP[1], l.ID.value);
     l.VEL[2] = velocity(ctx, l.TFLOW.value, l.TPROP[2], l.ID.value);
@@ -250,9 +264,10 @@ void refresh_vessel(RunContext& ctx, Project& p, Vessel& v, int case_no) {
 }  // namespace
 
 void Hydr_UpdateProperties(RunContext& ctx, Project& p, int iter, int case_no) {
+    LastBore last;
     for (std::size_t i = 1; i < p.lines.size(); ++i) {
         try {
-            update_line(ctx, p, p.lines[i], iter);
+            update_line(ctx, p, p.lines[i], iter, last);
         } catch (const Fault& f) {
             ctx.log_error("Error! In Hydr_UpdateProperties = " + fault_text(f));
         }
