@@ -29,7 +29,10 @@ void warn_choked(RunContext& ctx, const Project& p, B& b, const char* words) {
 
 }  // namespace
 
-std::string warning_value(double v) { return format_number(v, "########0.0###"); }
+std::string warning_value(double v) {
+    static const NumberPattern pattern("########0.0###");
+    return format_number(v, pattern);
+}
 
 void warn_line(RunContext& ctx, Project& p, Line& l) {
     // The texts are built only for a warning that is given: a large network
