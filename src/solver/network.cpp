@@ -393,9 +393,7 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         if (is_specified(d.DP.spec, case_no)) boundary_dp(d, pipe_outlet, sink, pipe_outlet, true);
     }
     equipment_spec_rows(ctx, p, net, rows, case_no);
-    for (int i = 1; i <= count(p.juncs); ++i)
-        if (is_specified(p.juncs[i].PRES.spec, case_no))
-            fixed(c.junc + i, spec_value(p.juncs[i].PRES.spec, case_no));
+    for (const int i : net.pressure_juncs) fixed(c.junc + i, spec_value(p.juncs[static_cast<std::size_t>(i)].PRES.spec, case_no));
     for (int i = 1; i <= count(p.vessels); ++i) {
         const Vessel& v = p.vessels[i];
         if (is_specified(v.PRES.spec, case_no)) fixed(c.vessel + i, spec_value(v.PRES.spec, case_no));
@@ -408,9 +406,8 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
         b.add(out, -1.0);
         b.close();
     }
-    for (int i = 1; i <= count(p.lines); ++i) {
-        Line& l = p.lines[i];
-        if (!is_specified(l.TFLOW.spec, case_no) || spec_is(l.TFLOW.spec, case_no, 'V')) continue;
+    for (const int i : net.flow_lines) {
+        Line& l = p.lines[static_cast<std::size_t>(i)];
         if (spec_is(l.TFLOW.spec, case_no, 'E')) {
             rows.begin();
             if (rows.build) equation_row(ctx, p, net, rows, l.EQN, lb + i, l.TFLOW.value, i);
@@ -421,6 +418,18 @@ void spec_rows(RunContext& ctx, Project& p, Network& net, Rows& rows, int case_n
     }
 }
 
+void find_specified(const Project& p, Network& net, int case_no) {
+    net.pressure_juncs.clear();
+    net.flow_lines.clear();
+    for (int i = 1; i <= count(p.juncs); ++i)
+        if (is_specified(p.juncs[i].PRES.spec, case_no)) net.pressure_juncs.push_back(i);
+    for (int i = 1; i <= count(p.lines); ++i) {
+        const std::string& spec = p.lines[i].TFLOW.spec;
+        if (is_specified(spec, case_no) && !spec_is(spec, case_no, 'V')) net.flow_lines.push_back(i);
+    }
+    net.spec_case = case_no;
+}
+
 }  // namespace
 
 void Matrix_Setup(RunContext& ctx, Project& p, Network& net, int mode, int case_no) {
@@ -428,6 +437,7 @@ void Matrix_Setup(RunContext& ctx, Project& p, Network& net, int mode, int case_
         net.cols = Columns(p);
         net.NumVars = net.cols.num_vars;
         const bool build = mode == 1;
+        if (!build || net.spec_case != case_no) find_specified(p, net, case_no);
         if (build) {
             if (!net.topology_ready) find_line_ends(p, net);
             net.IA.assign(static_cast<std::size_t>(net.NumVars) + 2, 0);

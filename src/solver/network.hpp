@@ -60,6 +60,11 @@ struct Network {
     // negative where the line leaves the node.
     std::vector<int> node_start, node_lines;
     std::vector<double> flow;  // the flow of each line at this build, t/h
+    // The junctions with a pressure and the lines with a flow (other than a
+    // vapour split) specified in case spec_case: found when a case is
+    // counted, so that a build does not read every record's case strings.
+    std::vector<int> pressure_juncs, flow_lines;
+    int spec_case = -1;
     bool topology_ready = false;  // the ends are found once per run: the drawing does not change during it
     SparseWork work;
     FastSolveWork fast;
