@@ -193,7 +193,7 @@ void push_vessel(Writeback& wb, int i) {
     for (int n = 1; n <= kNozzles; ++n) nozzle(v.NOZI[static_cast<std::size_t>(n)], false);
 }
 
-void push_pressures(Writeback& wb) {
+void push_pressures(Writeback& wb, const Network& net) {
     Project& p = wb.p;
     // A boundary's drop beyond its static head and nozzle loss, and the
     // pressure at its line end.
@@ -228,11 +228,15 @@ void push_pressures(Writeback& wb) {
             if (is_line(p, t.CON[static_cast<std::size_t>(side)])) p.lines[t.CON[static_cast<std::size_t>(side)]].PRES[2] = P;
             if (is_line(p, t.CON[static_cast<std::size_t>(side + 3)])) p.lines[t.CON[static_cast<std::size_t>(side + 3)]].PRES[1] = P;
         }
-    for (int i = 1; i <= count(p.juncs); ++i) {
-        const Junc& j = p.juncs[i];
-        for (int n = 1; n <= kNozzles; ++n) {
-            if (is_line(p, j.NOZI[n].CON)) p.lines[j.NOZI[n].CON].PRES[2] = j.PRES.value;
-            if (is_line(p, j.NOZO[n].CON)) p.lines[j.NOZO[n].CON].PRES[1] = j.PRES.value;
+    // A junction's lines from the node lists of the build: the outlet of a
+    // line that enters it, the inlet of one that leaves.
+    const int juncs = std::min(count(p.juncs), static_cast<int>(net.node_start.size()) - 1);
+    for (int i = 1; i <= juncs; ++i) {
+        const double P = p.juncs[i].PRES.value;
+        for (int k = net.node_start[static_cast<std::size_t>(i) - 1]; k < net.node_start[static_cast<std::size_t>(i)]; ++k) {
+            const int line = net.node_lines[static_cast<std::size_t>(k)];
+            if (line > 0) p.lines[line].PRES[2] = P;
+            else p.lines[-line].PRES[1] = P;
         }
     }
     for (int i = 1; i <= count(p.vessels); ++i) push_vessel(wb, i);
@@ -262,7 +266,7 @@ int Hydr_Solve(RunContext& ctx, Project& p, Network& net, double& err, int case_
         net.newton_on = ctx.newton;
         take_pressures(wb, net.cols);
         floor_pressures(wb);
-        push_pressures(wb);
+        push_pressures(wb, net);
     } catch (const Fault& f) {
         // The step goes on from what it had written; the run continues.
         ctx.log_error("Error! In Hydr Solve = " + fault_text(f));
