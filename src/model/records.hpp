@@ -12,6 +12,7 @@
 #include <array>
 #include <map>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -87,6 +88,31 @@ struct Fitting {
 
 using Comps = std::array<double, kMaxComps + 1>;  // mole fractions, 1..30
 
+// The files linked to a line, FILES[1..10]. Few lines have any, and a large
+// network holds tens of thousands of lines: the ten names take room only once
+// one of them is given. A copy is a copy of the names.
+class LinkedFiles {
+public:
+    LinkedFiles() = default;
+    LinkedFiles(const LinkedFiles& o) : names_(o.names_ ? std::make_unique<Names>(*o.names_) : nullptr) {}
+    LinkedFiles(LinkedFiles&&) noexcept = default;
+    LinkedFiles& operator=(const LinkedFiles& o) {
+        if (this != &o) names_ = o.names_ ? std::make_unique<Names>(*o.names_) : nullptr;
+        return *this;
+    }
+    LinkedFiles& operator=(LinkedFiles&&) noexcept = default;
+    ~LinkedFiles() = default;
+
+    // Name n (1..10), empty when none is given.
+    const std::string& operator[](std::size_t n) const;
+    void set(std::size_t n, std::string name);
+    bool operator==(const LinkedFiles& o) const;
+
+private:
+    using Names = std::array<std::string, kLinkedFiles + 1>;
+    std::unique_ptr<Names> names_;
+};
+
 struct Line : Drawn {
     int BEND = 0;
     // Read on every pass of the iteration: the stream's state and properties,
@@ -147,7 +173,7 @@ struct Line : Drawn {
     std::array<Fitting, kFittings + 1> FIT; // FIT1..FIT11
     std::array<std::string, 4> REG;
     std::array<std::string, 3> REGA;
-    std::array<std::string, kLinkedFiles + 1> FILES;
+    LinkedFiles FILES;
 
     // Not on file.
     std::string SizeUp, SizeDown;

@@ -305,7 +305,15 @@ std::vector<KeyDef<Line>> pipe_keys() {
         {"LM", array_slots<R, &R::LM, Kind::Double, 1, 7>()},
         eqn_key<R>(),
         {"NOTES", {NT(NOTES)}},
-        {"FILES", array_slots<R, &R::FILES, Kind::Text, 1, 10>()},
+        {"FILES", {},
+         +[](ReadState& st, R& l) {
+             for (std::size_t n = 1; n <= kLinkedFiles; ++n) l.FILES.set(n, st.in.item());
+         },
+         +[](LineWriter& lw, const R& l) {
+             lw.begin("FILES");
+             for (std::size_t n = 1; n <= kLinkedFiles; ++n) lw.w.text(l.FILES[n]);
+             lw.w.end_line();
+         }},
         // Keys of older files.
         {"U", {C(UI.spec), W("")}, nullptr, nullptr, false},
         {"E", {C(EPS.spec), W("")}, nullptr, nullptr, false},

@@ -33,6 +33,7 @@ Project full_project(RunContext& ctx) {
     p.tees[1].C3 = 998.2;
     p.tools.keys.push_back({"PIPEI", {"\"L\",\"Pipe\",10,\"t/h\""}});
     p.gen.PRJ[4] = "Unit 300";
+    p.lines[1].FILES.set(3, "P&ID 300-01.pdf");
     return p;
 }
 
@@ -55,6 +56,8 @@ TEST(VdfRoundTrip, WriteReadWriteGivesTheSameBytes) {
             EXPECT_EQ(p.lines[1].TFLOW.spec, "10;;E");
             EXPECT_EQ(p.lines[1].TFLOW.value, 12.345678901234);
             EXPECT_EQ(p.lines[1].NOTES, a.lines[1].NOTES);
+            EXPECT_EQ(p.lines[1].FILES[3], "P&ID 300-01.pdf");
+            EXPECT_EQ(p.lines[1].FILES, a.lines[1].FILES);
             EXPECT_EQ(p.vessels[1].NOZO[4].KFlow, 0.1 + 0.2);  // 15 digits read back to the same double
             EXPECT_EQ(p.pipedata.size(), a.pipedata.size());
         }
@@ -86,6 +89,26 @@ TEST(VdfRoundTrip, EveryKeyOfEverySectionIsWritten) {
     for (auto [section, key] : std::vector<std::pair<std::string, std::string>>{
              {"\\PIPE", "FITA"}, {"\\PIPE", "LPROP"}, {"\\PUMP", "HQ"}, {"\\GEN", "MPNSIZ"}})
         EXPECT_FALSE(written.count({section, key})) << section << " " << key;
+}
+
+// A line's linked files: a copy holds its own names, a name given and taken
+// back leaves the line as one that never had any, and places outside 1..10
+// hold nothing.
+TEST(LinkedFiles, CopiesAreValuesAndEmptyNamesEqualNone) {
+    LinkedFiles a, none;
+    a.set(2, "a.pdf");
+    LinkedFiles b = a;
+    b.set(2, "b.pdf");
+    EXPECT_EQ(a[2], "a.pdf");
+    EXPECT_EQ(b[2], "b.pdf");
+    EXPECT_FALSE(a == b);
+    b = none;
+    EXPECT_EQ(b[2], "");
+    a.set(2, "");
+    EXPECT_EQ(a, none);
+    a.set(0, "x"), a.set(11, "y");
+    EXPECT_EQ(a, none);
+    EXPECT_EQ(a[11], "");
 }
 
 TEST(VdfRoundTrip, AFailedSaveLeavesTheOldFile) {
