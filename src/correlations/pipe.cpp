@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "correlations/two_phase.hpp"
 #include "model/fault.hpp"
@@ -202,6 +203,25 @@ double PipeDP(RunContext& ctx, const Header& gen, Line& line, double ID, double 
         }
         return 0.0;
     });
+}
+
+double pipe_flow_exponent(const Header& gen, const Line& line, double ID, double IDH, double C) {
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    if (pipe_branch(gen, line.LF[3]) != PipeBranch::Homogeneous || !(C > 0.0) || IDH <= 0.0) return kNone;
+    const double re = line.RE, f = line.F[1];
+    double exponent = 0.0;  // d ln f / d ln Re
+    if (re >= 3000.0 && f > 0.0) {
+        const double a = (line.EPS.value / IDH) / 3.7 + 2.51 / (re * std::sqrt(f));
+        const double k = 5.02 / (kPipeLn10 * re * a);
+        exponent = -2.0 * k / (1.0 + k);
+    } else if (re >= 2000.0) {
+        return kNone;
+    } else if (re >= 0.1) {
+        exponent = -1.0;
+    }
+    const double ID4 = ID * ID * ID * ID;
+    const double friction = kPipeHead * line.FAC * f * line.LEN / IDH / line.TPROP[3] / ID4;
+    return friction * exponent / C;
 }
 
 double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, double ID, double IDH) {

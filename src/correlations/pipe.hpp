@@ -137,6 +137,16 @@ void store_pipe_results(Line& line, const char* method, const PipeFriction& fr, 
 // phase properties of a two-phase line.
 double PipeDP(RunContext& ctx, const Header& gen, Line& line, double ID, double IDH, std::string_view mode);
 
+// The flow exponent d ln C / d ln W of the coefficient C that PipeDP "W2" has
+// just given for the line, from the Reynolds number and friction factor it
+// left there, where the homogeneous method rates the line: only the friction
+// of the straight pipe changes with the flow, f by -1 power of Re in laminar
+// flow and by the implicit derivative of Colebrook-White, -2k/(1+k) with
+// k = 5.02 / (ln 10 Re (eps/3.7D + 2.51/(Re sqrt f))), in turbulent flow.
+// Nothing (NaN) for the other methods and the transition zone (2000 <= Re <
+// 3000), where the caller takes a step of the flow instead.
+double pipe_flow_exponent(const Header& gen, const Line& line, double ID, double IDH, double C);
+
 // Acceleration coefficient Cacc of dP = Cacc * W * |W|, always a loss (>= 0).
 // ID in m (IDH is taken for the hold-up methods). By method:
 //   "None": 0;

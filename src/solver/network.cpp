@@ -173,14 +173,17 @@ struct FrictionResults {
 };
 
 // The flow exponent b = d ln K / d ln W of a line's coefficient K at its
-// present flow, by a relative step of the flow: -1 in laminar flow, about
-// -0.2 in turbulent flow, 0 in fully rough pipe. Kept within -1.5 and 2 so
-// that the linearised row keeps its sign. The line keeps the friction
+// present flow: -1 in laminar flow, about -0.2 in turbulent flow, 0 in fully
+// rough pipe. Found from the friction results where the homogeneous method
+// rates the line, else by a relative step of the flow. Kept within -1.5 and 2
+// so that the linearised row keeps its sign. The line keeps the friction
 // results of its own flow.
 double flow_exponent(RunContext& ctx, const Header& g, Line& line, double K) {
     constexpr double kStep = 1e-4;
     const double W = line.TFLOW.value;
     if (W == 0.0 || !(K > 0.0)) return 0.0;
+    if (const double b = pipe_flow_exponent(g, line, line.ID.value, line.IDH.value, K); !std::isnan(b))
+        return std::clamp(b, -1.5, 2.0);
     const FrictionResults kept(line);
     line.TFLOW.value = W * (1.0 + kStep);
     const double K_step = PipeDP(ctx, g, line, line.ID.value, line.IDH.value, "W2");

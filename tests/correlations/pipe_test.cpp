@@ -126,6 +126,47 @@ TEST_F(PipeTest, LiquidLinesAgainstDarcyWeisbach) {
     EXPECT_TRUE(messages().empty());
 }
 
+// The flow exponent of the coefficient, d ln C / d ln W, from the friction
+// results against a central difference of PipeDP itself (relative step 1e-6):
+// laminar exactly -1 times the share of the straight pipe in C, turbulent
+// by the implicit Colebrook derivative within 1 % of it. None in the
+// transition zone and for a method other than the homogeneous one.
+TEST_F(PipeTest, FlowExponentAgainstAStepOfTheFlow) {
+    struct Row { const char* name; double W, ID, eps, mu, FITK; const char* mtp; double lf; bool has; };
+    const Row rows[] = {
+        {"laminar oil", 2.0, 0.0525, 4.57e-05, 200.0, 0.0, "Homogeneous", 1.0, true},
+        {"laminar oil with a fixed K", 2.0, 0.0525, 4.57e-05, 200.0, 20.0, "Homogeneous", 1.0, true},
+        {"turbulent water, smooth", 50.0, 0.1023, 0.0, 1.0, 0.0, "Homogeneous", 1.0, true},
+        {"turbulent water, commercial steel, fittings", 50.0, 0.1023, 4.57e-05, 1.0, 3.0, "Homogeneous", 1.0, true},
+        {"turbulent water, very rough", 500.0, 0.1023, 5e-03, 1.0, 0.0, "Homogeneous", 1.0, true},
+        {"transition zone", 2500.0 * 0.1023 * 100.0 / 353.7, 0.1023, 4.57e-05, 100.0, 0.0, "Homogeneous", 1.0, false},
+        {"two-phase by Dukler", 50.0, 0.1023, 4.57e-05, 1.0, 0.0, "Dukler", 0.5, false},
+    };
+    for (const Row& r : rows) {
+        gen.MTP = r.mtp;
+        Line l = liquid(r.W, r.ID, r.eps, 100.0, 998.0, r.mu);
+        l.FITK = r.FITK;
+        l.LF[3] = r.lf;
+        l.VPROP[1] = 5.0, l.VPROP[3] = 0.01;
+        const double C = W2(l);
+        const double b = pipe_flow_exponent(gen, l, l.ID.value, l.IDH.value, C);
+        if (!r.has) {
+            EXPECT_TRUE(std::isnan(b)) << r.name;
+            continue;
+        }
+        auto at = [&](double W) {
+            Line s = l;
+            s.TFLOW.value = W;
+            return W2(s);
+        };
+        const double h = 1e-6;
+        const double step = (std::log(at(r.W * (1 + h))) - std::log(at(r.W * (1 - h)))) / (std::log1p(h) - std::log1p(-h));
+        EXPECT_NEAR(b, step, 0.01 * std::fabs(step) + 1e-9) << r.name;
+        EXPECT_LT(b, 0.0) << r.name;
+    }
+    EXPECT_TRUE(messages().empty());
+}
+
 TEST_F(PipeTest, GasLinesAgainstIsothermalFlowEquation) {
     for (const auto& r : reference("isothermal")) {
         const double W = r[0], MW = r[4], Z = r[5], T = r[6], P1 = r[7] - gen.PATM;
