@@ -160,6 +160,13 @@ double isothermal_coefficient(RunContext& ctx, Line& line, double ID, double IDH
 }
 
 // Darcy-Weisbach at the average homogeneous density, plus acceleration.
+// Darcy-Weisbach at the average homogeneous density: the coefficient of
+// W|W| (kPa, t/h) of a resistance coefficient K.
+double homogeneous_friction(const Line& line, double ID, double K) {
+    const double ID4 = ID * ID * ID * ID;
+    return kPipeHead * line.FAC * K / line.TPROP[3] / ID4;
+}
+
 double homogeneous_coefficient(RunContext& ctx, const Header& gen, Line& line, double ID, double IDH,
                                bool per_100m) {
     const double W = line.TFLOW.value;
@@ -170,9 +177,8 @@ double homogeneous_coefficient(RunContext& ctx, const Header& gen, Line& line, d
         store_pipe_results(line, "Homogeneous", fr, Cacc * W * std::abs(W),
                            LVF(ctx, line.LF[3], line.VPROP[1], line.LPROP[1]));
     }
-    const double ID4 = ID * ID * ID * ID;
     const double s = per_100m ? W : 1.0;
-    return checked(s * s * (kPipeHead * line.FAC * fr.K / line.TPROP[3] / ID4 + Cacc));
+    return checked(s * s * (homogeneous_friction(line, ID, fr.K) + Cacc));
 }
 
 }  // namespace
@@ -219,9 +225,7 @@ double pipe_flow_exponent(const Header& gen, const Line& line, double ID, double
     } else if (re >= 0.1) {
         exponent = -1.0;
     }
-    const double ID4 = ID * ID * ID * ID;
-    const double friction = kPipeHead * line.FAC * f * line.LEN / IDH / line.TPROP[3] / ID4;
-    return friction * exponent / C;
+    return homogeneous_friction(line, ID, f * line.LEN / IDH) * exponent / C;
 }
 
 double pipe_dP_acc(RunContext& ctx, std::string_view method, const Line& line, double ID, double IDH) {

@@ -172,25 +172,29 @@ struct FrictionResults {
     }
 };
 
-// The flow exponent b = d ln K / d ln W of a line's coefficient K at its
-// present flow: -1 in laminar flow, about -0.2 in turbulent flow, 0 in fully
-// rough pipe. Found from the friction results where the homogeneous method
-// rates the line, else by a relative step of the flow. Kept within -1.5 and 2
-// so that the linearised row keeps its sign. The line keeps the friction
-// results of its own flow.
-double flow_exponent(RunContext& ctx, const Header& g, Line& line, double K) {
+// The flow exponent of a line's coefficient K by rating it again at a flow
+// 1e-4 higher; the line keeps the friction results of its own flow.
+double stepped_flow_exponent(RunContext& ctx, const Header& g, Line& line, double K) {
     constexpr double kStep = 1e-4;
     const double W = line.TFLOW.value;
-    if (W == 0.0 || !(K > 0.0)) return 0.0;
-    if (const double b = pipe_flow_exponent(g, line, line.ID.value, line.IDH.value, K); !std::isnan(b))
-        return std::clamp(b, -1.5, 2.0);
     const FrictionResults kept(line);
     line.TFLOW.value = W * (1.0 + kStep);
     const double K_step = PipeDP(ctx, g, line, line.ID.value, line.IDH.value, "W2");
     line.TFLOW.value = W;
     kept.restore(line);
-    if (!(K_step > 0.0)) return 0.0;
-    return std::clamp(std::log(K_step / K) / std::log1p(kStep), -1.5, 2.0);
+    return K_step > 0.0 ? std::log(K_step / K) / std::log1p(kStep) : 0.0;
+}
+
+// The flow exponent b = d ln K / d ln W of a line's coefficient K at its
+// present flow: -1 in laminar flow, about -0.2 in turbulent flow, 0 in fully
+// rough pipe. Found from the friction results where the homogeneous method
+// rates the line, else by a step of the flow. Kept within -1.5 and 2 so that
+// the linearised row keeps its sign.
+double flow_exponent(RunContext& ctx, const Header& g, Line& line, double K) {
+    if (line.TFLOW.value == 0.0 || !(K > 0.0)) return 0.0;
+    double b = pipe_flow_exponent(g, line, line.ID.value, line.IDH.value, K);
+    if (std::isnan(b)) b = stepped_flow_exponent(ctx, g, line, K);
+    return std::clamp(b, -1.5, 2.0);
 }
 
 // Line rows: P_up - P_down - (K + Knoz)*X = dP_elevation + level terms.

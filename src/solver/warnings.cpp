@@ -62,12 +62,10 @@ void warn_line(RunContext& ctx, Project& p, Line& l) {
     const double v_min = coefficient_limit(l.SIZ[7], l.TPROP[3]);
     if (v_min > 0.0 && std::fabs(l.VEL[3]) < v_min)
         warn("Warning!", " velocity coef less than minimum (m/s) = " + warning_value(v_min));
-    if (l.SIZ[4] > 0.0) {
-        const char* ends[] = {" inlet", " outlet"};
-        for (int end : {1, 2})
-            if (l.VEL[static_cast<std::size_t>(end)] > l.SIZ[4])
-                warn("Warning!", std::string(ends[end - 1]) + " velocity exceeds maximum (m/s) = " + warning_value(l.SIZ[4]));
-    }
+    for (int end : {1, 2})
+        if (l.SIZ[4] > 0.0 && l.VEL[static_cast<std::size_t>(end)] > l.SIZ[4])
+            warn("Warning!", std::string(end == 1 ? " inlet" : " outlet") +
+                                 " velocity exceeds maximum (m/s) = " + warning_value(l.SIZ[4]));
     if (l.VEL[4] != 0.0) {
         const double sonic = kSonicMargin * l.VEL[4];
         for (int end : {1, 2}) {
